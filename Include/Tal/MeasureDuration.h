@@ -1,0 +1,38 @@
+// Timing a scope.
+#pragma once
+
+#include <Tal/Export.h>
+
+#include <boost/chrono/duration.hpp>
+#include <boost/optional.hpp>
+#include <boost/timer/timer.hpp>
+#include <string>
+
+namespace Tal {
+
+/// Logs how long it lived: the label, then wall, user, system and CPU seconds with six decimals and the CPU's share as
+/// Boost.Timer prints them. Belongs to one scope on one thread.
+///
+///     Tal::MeasureDuration duration("Decoding a KNX value took ", boost::chrono::milliseconds(100));
+class MeasureDuration {
+ public:
+  /// Starts the timer.
+  /// @param label      opens the message; carries its own trailing blank.
+  /// @param threshold  wall time. Without it the destructor writes one DEBUG record; with it one INFO record when at
+  ///                   least this much time has passed, else nothing.
+  explicit MeasureDuration(std::string label, boost::optional<boost::chrono::nanoseconds> threshold = boost::none)
+      : m_label(std::move(label)), m_threshold(threshold) {}
+
+  static constexpr int kDestructorLine = __LINE__ + 1;  // for its log record
+  TALOBJECTMODEL_EXPORT ~MeasureDuration();
+
+  MeasureDuration(const MeasureDuration&) = delete;
+  MeasureDuration& operator=(const MeasureDuration&) = delete;
+
+ private:
+  boost::timer::cpu_timer m_timer;
+  std::string m_label;
+  boost::optional<boost::chrono::nanoseconds> m_threshold;
+};
+
+}  // namespace Tal

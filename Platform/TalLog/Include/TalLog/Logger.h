@@ -1,0 +1,62 @@
+// The process's default logger and how it is configured.
+#pragma once
+
+#include <TalLog/Export.h>
+#include <log4cplus/logger.h>
+
+#include <string>
+
+namespace Tal {
+
+/// Levels of log records with their log4cplus numbers.
+enum class LogLevel : int { Debug = 10000, Info = 20000, Warn = 30000, Error = 40000, Fatal = 50000 };
+
+/// Name of the default logger, as configuration files name it: `log4cplus.logger.tal=DEBUG, ...`.
+constexpr char kDefaultLoggerName[] = "tal";
+
+/// The logger that every record of these libraries goes to. Usable from any thread at any time, also before `main` and
+/// without any configuration: then its level is WARN and its records go to standard error. As soon as the logger or the
+/// root logger has an appender of the application's own, standard error is left alone.
+///
+/// An application that configures log4cplus by itself sets the level of the logger "tal"; it does not inherit the
+/// root's level until it is given NOT_SET_LOG_LEVEL (ConfigureLogging() does that).
+TALLOG_EXPORT log4cplus::Logger& GetGlobalDefaultLogger();
+
+/// True when a record of @p level would be written. Ask before building a costly text.
+TALLOG_EXPORT bool IsLogEnabled(LogLevel level);
+
+/// Reads a log4cplus properties file. The default logger then takes its level from the file (its own or the root's).
+///
+/// @param reason  what is wrong, in one line, when the result is false: the file cannot be read, or names no appender
+///                for the root logger or for "tal" (log4cplus reports details of broken properties on standard error).
+/// @return        false: the default logger writes warnings and errors to standard error as before.
+///
+/// Call it from one thread, while no other thread logs.
+TALLOG_EXPORT bool ConfigureLogging(const std::string& propertiesFile, std::string& reason);
+
+/// The calling thread's logging context as it opens every record: empty, or "[name] ".
+TALLOG_EXPORT const std::string& GetLoggingContext();
+
+/// Names what the calling thread is working on, for all its records while this object lives; contexts nest, the
+/// innermost is shown. An empty name shows none; " - " in a name is shown as "-".
+class TALLOG_EXPORT ScopedLoggingContext {
+ public:
+  explicit ScopedLoggingContext(const std::string& name);
+  ~ScopedLoggingContext();
+  ScopedLoggingContext(const ScopedLoggingContext&) = delete;
+  ScopedLoggingContext& operator=(const ScopedLoggingContext&) = delete;
+
+ private:
+  std::string m_previous;
+};
+
+/// Indents the calling thread's records by two blanks while this object lives; scopes nest.
+class TALLOG_EXPORT LoggingRecursionScope {
+ public:
+  LoggingRecursionScope();
+  ~LoggingRecursionScope();
+  LoggingRecursionScope(const LoggingRecursionScope&) = delete;
+  LoggingRecursionScope& operator=(const LoggingRecursionScope&) = delete;
+};
+
+}  // namespace Tal

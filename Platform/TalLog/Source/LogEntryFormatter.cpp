@@ -1,0 +1,37 @@
+#include <TalLog/LogEntryFormatter.h>
+#include <TalLog/Logger.h>
+
+#include "ContextText.h"
+
+namespace Tal {
+
+std::string WithoutPrefixEnd(std::string text) {
+  for (std::size_t at = text.find(kPrefixEnd); at != std::string::npos; at = text.find(kPrefixEnd, at)) {
+    text.replace(at, sizeof kPrefixEnd - 1, "-");
+  }
+  return text;
+}
+
+std::ostream& operator<<(std::ostream& os, const PrettyFunctionNamePrinter& name) {
+  return os << name.shortName << '(' << WithoutPrefixEnd(std::string(WithoutExtension(name.file))) << ':' << name.line
+            << ')';
+}
+
+std::ostream& operator<<(std::ostream& os, LoggingRecursionPadding) {
+  for (unsigned i = RecursionDepth(); i > 0; --i) os << "  ";
+  return os;
+}
+
+std::ostream& operator<<(std::ostream& os, const LogEntryFormatter& entry) {
+  return os << GetLoggingContext() << PrettyFunctionNamePrinter{entry.site.function, entry.site.file, entry.site.line}
+            << kPrefixEnd << LoggingRecursionPadding();
+}
+
+std::string MessageOfLogEntry(const std::string& text) {
+  const std::size_t end = text.find(kPrefixEnd);
+  if (end == std::string::npos) return text;
+  const std::size_t begin = text.find_first_not_of(' ', end + sizeof kPrefixEnd - 1);
+  return begin == std::string::npos ? std::string() : text.substr(begin);
+}
+
+}  // namespace Tal

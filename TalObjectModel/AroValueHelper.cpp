@@ -1,0 +1,120 @@
+#include <Tal/AroValueHelper.h>
+#include <Tal/TimeOfDay.h>
+#include <TalLog/Assertion.h>
+#include <utf8.h>
+
+#include <boost/date_time/gregorian/conversion.hpp>
+#include <boost/date_time/posix_time/posix_time_types.hpp>
+#include <ctime>
+
+#include "CalendarFields.h"
+
+namespace Tal {
+namespace {
+
+// Where the reports of failed assertions point to.
+constexpr char kFunction[] = "ToAroValue";
+constexpr char kSource[] = "Include/Tal/AroValueHelper";
+constexpr char kTypeLine[] = "32";
+constexpr char kUtf8Line[] = "38";
+constexpr char kDayTimeLine[] = "62";
+
+void Store(AROVALUE& result, bool value) {
+  result.avt = avtBool;
+  result.SetBool(value);
+}
+void Store(AROVALUE& result, double value) {
+  result.avt = avtFloat;
+  result.SetFloat(value);
+}
+void Store(AROVALUE& result, float value) { Store(result, double{value}); }
+void Store(AROVALUE& result, int value) {
+  result.avt = avtInteger;
+  result.SetInteger(value);
+}
+void Store(AROVALUE& result, short value) { Store(result, int{value}); }
+void Store(AROVALUE& result, unsigned char value) {
+  result.avt = avtByte;
+  result.SetByte(value);
+}
+void Store(AROVALUE& result, unsigned short value) {
+  result.avt = avtWord;
+  result.SetWord(value);
+}
+void Store(AROVALUE& result, unsigned int value) {
+  result.avt = avtDWord;
+  result.SetDWord(value);
+}
+void Store(AROVALUE& result, const std::string& value) {
+  result.avt = avtString;
+  result.text = AROVALUE::EnsureUTF8(value);
+}
+
+/// Not in the template, whose statics would be visible outside the library.
+void RequireType(const AROVALUE& result, AroValueType expectedType) {
+  TAL_ASSERT2_AT(result.avt == expectedType, kFunction, kSource, kTypeLine);
+}
+
+/// Sets the fields of @p time to what the machine's clock shows at the local time @p moment.
+void SetLocalFields(AROTIME& time, const boost::posix_time::ptime& moment) {
+  const boost::posix_time::time_duration clock = moment.time_of_day();
+  std::tm fields = boost::gregorian::to_tm(moment.date());
+  fields.tm_hour = static_cast<int>(clock.hours());
+  fields.tm_min = static_cast<int>(clock.minutes());
+  fields.tm_sec = static_cast<int>(clock.seconds());
+  fields.tm_isdst = -1;
+  fields.tm_wday = -1;  // stays so when mktime() fails; its result -1 is also a moment of 1969
+  const std::time_t seconds = std::mktime(&fields);
+  if (fields.tm_wday >= 0) {
+    time = std::int64_t{seconds};
+  } else {  // beyond this machine's time_t
+    SetCalendarFields(time, moment);
+  }
+}
+
+}  // namespace
+
+template <class T, class>
+AROVALUE ToAroValue(const T& value, AroValueType expectedType) {
+  AROVALUE result;
+  Store(result, value);
+  RequireType(result, expectedType);
+  return result;
+}
+
+template AROVALUE ToAroValue<int>(const int&, AroValueType);
+template AROVALUE ToAroValue<unsigned int>(const unsigned int&, AroValueType);
+template AROVALUE ToAroValue<double>(const double&, AroValueType);
+template AROVALUE ToAroValue<short>(const short&, AroValueType);
+template AROVALUE ToAroValue<unsigned short>(const unsigned short&, AroValueType);
+template AROVALUE ToAroValue<unsigned char>(const unsigned char&, AroValueType);
+template AROVALUE ToAroValue<bool>(const bool&, AroValueType);
+template AROVALUE ToAroValue<float>(const float&, AroValueType);
+template AROVALUE ToAroValue<std::string>(const std::string&, AroValueType);
+
+AROVALUE ToAroValue(const std::string& value, AroValueType expectedType) {
+  TAL_ASSERT2_AT(utf8::is_valid(value.begin(), value.end()), kFunction, kSource, kUtf8Line);
+  return ToAroValue<std::string>(value, expectedType);
+}
+
+AROVALUE ToAroValue(const TalApp::TimeOfDay& value, AroValueType expectedType) {
+  TAL_ASSERT2_AT(expectedType == avtDayTime, kFunction, kSource, kDayTimeLine);
+  AROVALUE result;
+  result.avt = avtDayTime;
+  result.time.SetDateTime(2000, 1, 1, value.GetHour(), value.GetMinute(), value.GetSecond());
+  result.time.weekDays = TalApp::ToAroWeekday(value.GetWeekday());
+  result.time.extraWord = 1;
+  return result;
+}
+
+AROVALUE ToAroValue(const boost::posix_time::ptime& value, AroValueType expectedType) {
+  using namespace boost;
+  static const posix_time::ptime kLast(gregorian::date(2038, 1, 19), posix_time::time_duration(3, 14, 7));
+  AROVALUE result;
+  if (value.is_special() || value > kLast) return result;
+  result.avt = expectedType;
+  SetLocalFields(result.time, value);
+  return result;
+}
+
+}  // namespace Tal

@@ -1,0 +1,22 @@
+// Time points as fields, without any time zone.
+#pragma once
+
+#include <BasePlatform/AroTime.h>
+
+#include <boost/date_time/posix_time/ptime.hpp>
+
+namespace Tal {
+
+/// Sets date, time of day (fractions dropped) and the weekday's bit of @p time to those of @p moment, which must be a
+/// proper time point.
+inline void SetCalendarFields(AROTIME& time, const boost::posix_time::ptime& moment) {
+  const boost::gregorian::date date = moment.date();
+  const boost::posix_time::time_duration clock = moment.time_of_day();
+  const auto narrow = [](auto field) { return static_cast<std::uint8_t>(field); };
+  time.SetDateTime(date.year(), narrow(date.month().as_number()), narrow(date.day().as_number()), narrow(clock.hours()),
+                   narrow(clock.minutes()), narrow(clock.seconds()));
+  const unsigned daysAfterMonday = (date.day_of_week().as_number() + 6u) % 7u;
+  time.weekDays = static_cast<std::uint16_t>(AroWeekDays::Monday << daysAfterMonday);
+}
+
+}  // namespace Tal

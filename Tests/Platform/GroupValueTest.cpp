@@ -1,0 +1,174 @@
+#include <KnxStackApi/GroupValue.h>
+#include <KnxStackApi/GroupValueException.h>
+#include <KnxStackApi/KnxDpt.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <sstream>
+
+#include "Support/Values.h"
+
+namespace KnxStack {
+namespace {
+
+using TalTest::Wire;
+
+TEST(BinaryData, ReadsNumbersAndShorterOnesAtTheEnd) {
+  const BinaryData data{0x12, 0x34, 0x56};
+  EXPECT_EQ(data.GetUInt8Value(2), 0x56);
+  EXPECT_EQ(data.GetUInt24Value(0), 0x123456u);
+  EXPECT_EQ(data.GetUInt32Value(0), 0x123456u);
+  EXPECT_EQ(data.GetUInt24Value(1), 0x3456u);
+  EXPECT_EQ(data.GetUInt32Value(2), 0x56u);
+  EXPECT_EQ(data.ToString(), "12 34 56");
+  EXPECT_EQ(BinaryData().ToString(), "");
+  EXPECT_EQ(BinaryData({0xFF, 0xFE, 0xFD, 0xFC, 0xFB}).GetUInt32Value(0), 0xFFFEFDFCu);
+}
+
+TEST(BinaryData, ThrowsOneOctetBeyondTheEnd) {
+  BinaryData data{0x12};
+  EXPECT_THROW(data.GetUInt8Value(1), GroupValueException);
+  EXPECT_THROW(data.SetUInt8Value(1, 0), GroupValueException);
+  EXPECT_THROW(data.GetUInt24Value(1), GroupValueException);
+  EXPECT_THROW(data.GetUInt32Value(1), GroupValueException);
+  EXPECT_THROW(BinaryData().GetUInt8Value(0), std::exception);
+  EXPECT_EQ(data, BinaryData{0x12});
+}
+
+TEST(BinaryData, CopiesAreIndependentWhateverTheirSize) {
+  for (const std::size_t size :
+       {std::size_t{0}, std::size_t{1}, BinaryData::kInlineOctets, BinaryData::kInlineOctets + 1, std::size_t{254}}) {
+    const std::string octets(size, 'x');
+    const BinaryData original(reinterpret_cast<const std::uint8_t*>(octets.data()), size);
+    BinaryData copy(original);
+    if (size > 0) copy.SetUInt8Value(size - 1, 'y');
+    EXPECT_EQ(copy == original, size == 0) << size;
+    BinaryData assigned{1, 2, 3};
+    assigned = copy;
+    EXPECT_EQ(assigned, copy);
+    const BinaryData moved(std::move(copy));
+    EXPECT_EQ(moved, assigned);
+    EXPECT_TRUE(copy.empty());  // NOLINT: a moved-from value must be usable
+    assigned = BinaryData{7};
+    EXPECT_EQ(assigned, BinaryData{7});
+  }
+}
+
+TEST(GroupValue, SettersWriteTheirLayoutAndSize) {
+  using Setter = std::function<void(GroupValue&)>;
+  const std::pair<Setter, const char*> cases[] = {
+      {[](GroupValue& v) { v.SetAsBoolean(true); }, "01/1"},
+      {[](GroupValue& v) { v.SetAsUnsigned2(0xFF); }, "03/2"},
+      {[](GroupValue& v) { v.SetAsUnsigned3(0xFD); }, "05/3"},
+      {[](GroupValue& v) { v.SetAsUnsigned4(0x1A); }, "0A/4"},
+      {[](GroupValue& v) { v.SetAsChar('\xE9'); }, "E9/8"},
+      {[](GroupValue& v) { v.SetAsUnsigned8(255); }, "FF/8"},
+      {[](GroupValue& v) { v.SetAsSigned8(-2); }, "FE/8"},
+      {[](GroupValue& v) { v.SetAsUnsigned16(0x1234); }, "12 34/16"},
+      {[](GroupValue& v) { v.SetAsSigned16(-2); }, "FF FE/16"},
+      {[](GroupValue& v) { v.SetAsFloat16(21.0); }, "0C 1A/16"},
+      {[](GroupValue& v) { v.SetAsFloat16(std::nan("")); }, "7F FF/16"},
+      {[](GroupValue& v) { v.SetAsUnsigned32(0x12345678); }, "12 34 56 78/32"},
+      {[](GroupValue& v) { v.SetAsSigned32(-2); }, "FF FF FF FE/32"},
+      {[](GroupValue& v) { v.SetAsFloat32(-1.5F); }, "BF C0 00 00/32"},
+      {[](GroupValue& v) { v.SetAsFloat32(INFINITY); }, "7F 80 00 00/32"},
+      {[](GroupValue& v) { v.SetAsDate(29, 2, 2024); }, "1D 02 18/24"},
+      {[](GroupValue& v) { v.SetAsDate(1, 1, 1990); }, "01 01 5A/24"},
+      {[](GroupValue& v) { v.SetAsDate(31, 12, 2089); }, "1F 0C 59/24"},
+      {[](GroupValue& v) { v.SetAsTimeOfDay(23, 59, 58, 7); }, "F7 3B 3A/24"},
+      {[](GroupValue& v) { v.SetAsString14("a\xE9"); }, "61 E9 00 00 00 00 00 00 00 00 00 00 00 00/112"},
+      {[](GroupValue& v) { v.SetAsString14("0123456789abcdef"); }, "30 31 32 33 34 35 36 37 38 39 61 62 63 64/112"},
+      {[](GroupValue& v) {
+         v.SetRawData({1, 2, 3});
+       },
+       "01 02 03/24"},
+      {[](GroupValue& v) { v.SetRawData({}); }, "/0"},
+  };
+  for (const auto& [set, expected] : cases) {
+    GroupValue value({9, 9, 9, 9, 9}, 77);
+    EXPECT_EQ(Wire(value), "09 09 09 09 09/77");
+    set(value);
+    EXPECT_EQ(Wire(value), expected);
+  }
+  EXPECT_EQ(Wire(GroupValue()), "/0");
+}
+
+TEST(GroupValue, SettersRefuseWhatTheyCannotRepresentAndLeaveTheValue) {
+  GroupValue value;
+  value.SetAsUnsigned8(7);
+  const unsigned dates[][3] = {{1, 1, 1989}, {1, 1, 2090}, {29, 2, 2023}, {31, 4, 2023},
+                               {0, 1, 2023}, {1, 0, 2023}, {1, 13, 2023}, {1, 1, 65536 + 2000}};
+  for (const auto& [day, month, year] : dates) EXPECT_THROW(value.SetAsDate(day, month, year), GroupValueException);
+  const unsigned times[][4] = {{24, 0, 0, 0}, {0, 60, 0, 0}, {0, 0, 60, 0}, {0, 0, 0, 8}};
+  for (const auto& [hour, minute, second, weekday] : times) {
+    EXPECT_THROW(value.SetAsTimeOfDay(hour, minute, second, weekday), GroupValueException);
+  }
+  EXPECT_THROW(value.SetAsFloat16(670761.0), GroupValueException);
+  EXPECT_THROW(value.SetAsFloat16(INFINITY), GroupValueException);
+  EXPECT_EQ(Wire(value), "07/8");
+}
+
+TEST(GroupValue, GettersMaskShortValuesAndIgnoreSizeAndFurtherOctets) {
+  const GroupValue value({0xFF, 0xFE, 0xFD, 0xFC, 0x00}, 1);
+  EXPECT_TRUE(value.GetAsBoolean());
+  EXPECT_FALSE(GroupValue({0xFE}, 8).GetAsBoolean());
+  EXPECT_EQ(value.GetAsUnsigned2(), 3);
+  EXPECT_EQ(value.GetAsUnsigned3(), 7);
+  EXPECT_EQ(value.GetAsUnsigned4(), 15);
+  EXPECT_EQ(value.GetAsUnsigned8(), 255);
+  EXPECT_EQ(value.GetAsSigned8(), -1);
+  EXPECT_EQ(value.GetAsUnsigned16(), 0xFFFE);
+  EXPECT_EQ(value.GetAsSigned16(), -2);
+  EXPECT_EQ(value.GetAsUnsigned32(), 0xFFFEFDFCu);
+  EXPECT_EQ(value.GetAsSigned32(), -66052);
+  EXPECT_EQ(GroupValue({0x3F, 0x80, 0, 0}, 32).GetAsFloat32(), 1.0F);
+  EXPECT_EQ(GroupValue({0x0C, 0x1A}, 16).GetAsFloat16(), 21.0);
+  EXPECT_TRUE(std::isnan(GroupValue({0x7F, 0xFF}, 16).GetAsFloat16()));
+  EXPECT_EQ(GroupValue({'a', 0xE9, 0, 'b'}, 32).GetAsString14(), "a\xE9");
+  EXPECT_EQ(GroupValue().GetAsString14(), "");
+  const BinaryData sixteen(reinterpret_cast<const std::uint8_t*>("0123456789abcdef"), 16);
+  EXPECT_EQ(GroupValue(sixteen, 128).GetAsString14(), "0123456789abcd");
+}
+
+TEST(GroupValue, GettersOfDatesAndTimesMaskButDoNotJudge) {
+  struct Case {
+    std::uint8_t octet;
+    unsigned year;
+  };
+  for (const Case& c : {Case{90, 1990}, {99, 1999}, {0, 2000}, {89, 2089}, {100, 2100}, {0x80 | 23, 2023}}) {
+    const Date date = GroupValue({0xFF, 0xFF, c.octet}, 24).GetAsDate();
+    EXPECT_EQ(date.year, c.year);
+    EXPECT_EQ(date.month, 15);
+    EXPECT_EQ(date.day, 31);
+  }
+  const DayTime time = GroupValue({0xFF, 0xFF, 0xFF}, 24).GetAsTimeOfDay();
+  EXPECT_EQ(time.hour, 31);
+  EXPECT_EQ(time.minute, 63);
+  EXPECT_EQ(time.second, 63);
+  EXPECT_EQ(time.weekday, 7);
+}
+
+TEST(GroupValue, GettersThrowWhenOctetsAreMissing) {
+  const GroupValue none;
+  const GroupValue two({1, 2}, 24);
+  const GroupValue three({1, 2, 3}, 32);
+  EXPECT_THROW(none.GetAsBoolean(), GroupValueException);
+  EXPECT_THROW(none.GetAsSigned8(), GroupValueException);
+  EXPECT_THROW(GroupValue({1}, 16).GetAsUnsigned16(), GroupValueException);
+  EXPECT_THROW(GroupValue({1}, 16).GetAsFloat16(), GroupValueException);
+  EXPECT_THROW(three.GetAsUnsigned32(), GroupValueException);
+  EXPECT_THROW(three.GetAsFloat32(), GroupValueException);
+  EXPECT_THROW(two.GetAsDate(), GroupValueException);
+  EXPECT_THROW(two.GetAsTimeOfDay(), GroupValueException);
+}
+
+TEST(KnxDpt, PrintsPlainDecimals) {
+  std::ostringstream text;
+  text.imbue(std::locale::classic());
+  text << KNXDPT{8, 5, 1};
+  EXPECT_EQ(text.str(), "5.1");
+}
+
+}  // namespace
+}  // namespace KnxStack

@@ -1,0 +1,140 @@
+#include <TalLog/Assertion.h>
+#include <TalLog/LogEntryFormatter.h>
+#include <TalLog/LogRecord.h>
+#include <gmock/gmock.h>
+
+#include <cstdio>
+#include <fstream>
+#include <thread>
+
+#include "Support/LogCapture.h"
+
+namespace Tal {
+namespace {
+
+using TalTest::ScopedLogCapture;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr CallSite kSite{"ToKnxValue", "bool Tal::ToKnxValue(int)", "TalObjectModel/Knx.Converter.cpp", 123};
+
+TEST(Logging, ARecordCarriesLevelTextFunctionAndSource) {
+  ScopedLogCapture log;
+  TAL_LOG_AT(Warn, kSite) << "number " << 1234567 << ' ' << 0.5;
+  const auto records = log.Records();
+  ASSERT_EQ(records.size(), 1u);
+  EXPECT_EQ(records[0].level, LogLevel::Warn);
+  EXPECT_EQ(records[0].text, "ToKnxValue(TalObjectModel/Knx.Converter:123) - number 1234567 0.5");
+  EXPECT_EQ(records[0].message, "number 1234567 0.5");
+  EXPECT_EQ(records[0].function, "bool Tal::ToKnxValue(int)");
+  EXPECT_EQ(records[0].file, "TalObjectModel/Knx.Converter");
+  EXPECT_EQ(records[0].line, 123);
+}
+
+TEST(Logging, APlaceNamesItsSourceWithoutBuildPrefix) {
+  const CallSite here = TAL_HERE;
+  EXPECT_EQ(WithoutExtension(here.file), "Tests/Platform/LoggingTest");
+  EXPECT_STREQ(here.function, "TestBody");
+  EXPECT_EQ(WithoutExtension("a.b/c"), "a.b/c");
+}
+
+TEST(Logging, ContextAndRecursionBelongToTheThreadAndCannotForgeThePrefix) {
+  ScopedLogCapture log;
+  {
+    const ScopedLoggingContext outer("kitchen - light - 1");
+    const LoggingRecursionScope deeper;
+    const LoggingRecursionScope deepest;
+    TAL_LOG_AT(Info, kSite) << "a - b";
+    std::thread([] { TAL_LOG_AT(Info, kSite) << "other thread"; }).join();
+    const ScopedLoggingContext none("");
+    TAL_LOG_AT(Info, kSite) << "inner";
+  }
+  TAL_LOG_AT(Info, kSite) << "after";
+  std::vector<std::string> texts;
+  for (const auto& record : log.Records()) texts.push_back(record.text);
+  const std::string name = "ToKnxValue(TalObjectModel/Knx.Converter:123)";
+  EXPECT_THAT(texts, ElementsAre("[kitchen-light-1] " + name + " -     a - b", name + " - other thread",
+                                 name + " -     inner", name + " - after"));
+  EXPECT_THAT(log.Messages(LogLevel::Info), ElementsAre("a - b", "other thread", "inner", "after"));
+}
+
+TEST(Logging, BuildsNoTextWhileTheLevelIsOff) {
+  ScopedLogCapture log(LogLevel::Warn);
+  int built = 0;
+  const auto text = [&] {
+    ++built;
+    return "text";
+  };
+  if (built == 0)
+    TAL_LOG(Info) << text();  // no braces: a record is one statement
+  else
+    TAL_LOG(Error) << text();
+  EXPECT_EQ(built, 0);
+  TAL_LOG(Warn) << text();
+  EXPECT_EQ(built, 1);
+}
+
+TEST(Logging, WithoutConfigurationWarningsGoToStandardError) {
+  testing::internal::CaptureStderr();
+  TAL_LOG_AT(Info, kSite) << "too low";
+  TAL_LOG_AT(Warn, kSite) << "high enough";
+  const std::string text = testing::internal::GetCapturedStderr();
+  EXPECT_THAT(text, HasSubstr("high enough"));
+  EXPECT_THAT(text, testing::Not(HasSubstr("too low")));
+}
+
+TEST(Logging, AnAppendersPresenceSilencesStandardError) {
+  testing::internal::CaptureStderr();
+  {
+    ScopedLogCapture log;
+    TAL_LOG(Error) << "captured";
+  }
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST(Logging, AnUnusableConfigurationIsRefusedAndChangesNothing) {
+  std::string reason;
+  EXPECT_FALSE(ConfigureLogging("/nonexistent/log.properties", reason));
+  EXPECT_THAT(reason, HasSubstr("cannot be read"));
+  EXPECT_FALSE(ConfigureLogging("/", reason));
+  EXPECT_THAT(reason, HasSubstr("cannot be read"));
+  const std::string path = testing::TempDir() + "broken.properties";
+  std::ofstream(path) << "log4cplus.logger.tal=DEBUG\n";
+  EXPECT_FALSE(ConfigureLogging(path, reason));
+  EXPECT_THAT(reason, HasSubstr("no usable appender"));
+  std::remove(path.c_str());
+  EXPECT_FALSE(IsLogEnabled(LogLevel::Info));
+  testing::internal::CaptureStderr();
+  TAL_LOG(Warn) << "still heard";
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("still heard"));
+}
+
+// In a process of its own: a configuration lasts as long as its process.
+TEST(LoggingDeathTest, APropertiesFileDecidesLevelAndPlace) {
+  const std::string path = testing::TempDir() + "good.properties";
+  std::ofstream(path) << "log4cplus.rootLogger=INFO, ERR\n"
+                         "log4cplus.appender.ERR=log4cplus::ConsoleAppender\n"
+                         "log4cplus.appender.ERR.logToStdErr=true\n"
+                         "log4cplus.appender.ERR.layout=log4cplus::PatternLayout\n"
+                         "log4cplus.appender.ERR.layout.ConversionPattern=<%p %m>%n\n";
+  EXPECT_EXIT(
+      {
+        std::string reason;
+        if (!ConfigureLogging(path, reason)) std::_Exit(1);
+        TAL_LOG_AT(Debug, kSite) << "too low";
+        TAL_LOG_AT(Info, kSite) << "once";
+        std::_Exit(0);
+      },
+      testing::ExitedWithCode(0), "^<INFO ToKnxValue.*once>\n$");
+  std::remove(path.c_str());
+}
+
+void FailAnAssertion() { TAL_ASSERT2(1 + 1 == 3); }
+
+TEST(AssertionDeathTest, WritesItsPiecesToStandardErrorAndTheLogThenTerminates) {
+  const std::string sentence = "FailAnAssertion Tests/Platform/LoggingTest:[0-9]+ TAL_ASSERT2.1 . 1 == 3. failed";
+  EXPECT_DEATH(FailAnAssertion(), "^" + sentence + "\n.*FATAL AssertionFailed.*Assertion:[0-9]+. - " + sentence);
+}
+
+}  // namespace
+}  // namespace Tal
