@@ -1,0 +1,44 @@
+# Set-up and build for ./run and ./test; sourced by bash with $root set. Everything is said on standard error, so that
+# standard output stays with what is run.
+
+say() { printf '%s\n' "$*" >&2; }
+die() { say "error: $*"; exit 1; }
+
+build_packages=(build-essential cmake ninja-build libboost-date-time-dev libboost-timer-dev libboost-chrono-dev
+  libboost-system-dev liblog4cplus-dev libutfcpp-dev libcli11-dev nlohmann-json3-dev)
+test_packages=(libgtest-dev libgmock-dev locales tzdata)
+
+# Installs those of the named packages that are missing, and says so; fails with one line when one cannot be had.
+need_packages() {
+  command -v dpkg-query >/dev/null || { say "no Debian packages here: taking for granted that these are there: $*"; return; }
+  local missing=() package
+  for package in "$@"; do
+    [ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing+=("$package")
+  done
+  [ ${#missing[@]} -gt 0 ] || return 0
+
+  local as_root=()
+  if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || die "packages are missing; as root, run: apt-get install ${missing[*]}"
+    as_root=(sudo)
+  fi
+  mkdir -p "$root/build" || die "cannot write to $root/build"
+  local log=$root/build/setup.log
+  local apt=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -y)
+  say "installing packages: ${missing[*]}"
+  "${apt[@]}" install --no-install-recommends "${missing[@]}" >"$log" 2>&1 && return
+  { "${apt[@]}" update && "${apt[@]}" install --no-install-recommends "${missing[@]}"; } >"$log" 2>&1 && return
+  die "cannot install the packages ${missing[*]}: $(grep -m1 '^E: ' "$log" || tail -n1 "$log") (all of it: $log)"
+}
+
+# Configures and builds a preset; silent when there is nothing to do.
+build_preset() {
+  local preset=$1 tree=$root/build/$1
+  if [ ! -f "$tree/build.ninja" ]; then
+    say "configuring build/$preset"
+    (cd "$root" && cmake --preset "$preset") >&2 || die "cannot configure the preset '$preset'"
+  fi
+  ninja -C "$tree" -n 2>/dev/null | grep -q 'no work to do' && return
+  say "building build/$preset"
+  (cd "$root" && cmake --build --preset "$preset") >&2 || die "cannot build the preset '$preset'"
+}

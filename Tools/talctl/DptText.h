@@ -1,0 +1,25 @@
+// Datapoint types as people write them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace Talctl {
+
+struct Dpt {
+  std::uint16_t main = 0;
+  std::uint16_t sub = 0;
+
+  /// main << 16 | sub
+  unsigned long Number() const { return static_cast<unsigned long>(main) << 16 | sub; }
+};
+
+/// Reads "9.001", "9.1", "DPST-9-1", or for a whole main type (sub number 0) "9", "9.x", "DPT-9".
+/// @return  false, with what was expected in @p error.
+bool ParseDpt(std::string_view text, Dpt& dpt, std::string& error);
+
+/// "9.001": a sub number of at least three digits.
+std::string FormatDpt(const Dpt& dpt);
+
+}  // namespace Talctl

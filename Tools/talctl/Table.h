@@ -1,0 +1,23 @@
+// Aligned columns.
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace Talctl {
+
+/// Rows of cells; the first row is the heading.
+class Table {
+ public:
+  explicit Table(std::vector<std::string> heading) { Add(std::move(heading)); }
+  void Add(std::vector<std::string> row) { m_rows.push_back(std::move(row)); }
+
+  /// Every column but the last is padded to its widest cell, counted in code points of UTF-8.
+  void Print(std::ostream& out) const;
+
+ private:
+  std::vector<std::vector<std::string>> m_rows;
+};
+
+}  // namespace Talctl

@@ -1,0 +1,250 @@
+#include "ValueText.h"
+
+#include <Tal/KnxZelMapping.h>
+#include <Tal/TimeOfDay.h>
+
+#include <cmath>
+#include <cstdio>
+#include <limits>
+
+#include "Cursor.h"
+
+namespace Talctl {
+namespace {
+
+constexpr unsigned kAnyMain = 0;
+constexpr unsigned kSigned8 = 6;
+constexpr unsigned kColour = 232;
+
+struct ExpectationRow {
+  AroValueType type;
+  unsigned main;
+  const char* text;
+};
+
+// The first row that fits counts.
+constexpr ExpectationRow kExpectations[] = {
+    {avtBool, kAnyMain, "true, false, on, off, 1 or 0"},
+    {avtByte, kSigned8, "a whole number from -128 to 255"},
+    {avtByte, 2, "a whole number from 0 to 255, of which the low two bits are sent"},
+    {avtByte, 3, "a whole number from 0 to 255, of which the low four bits are sent"},
+    {avtByte, 23, "a whole number from 0 to 255, of which the low two bits are sent"},
+    {avtByte, 17, "a scene number from 0 to 63"},
+    {avtByte, kAnyMain, "a whole number from 0 to 255"},
+    {avtWord, kAnyMain, "a whole number from 0 to 65535"},
+    {avtInteger, 8, "a whole number from -32768 to 32767"},
+    {avtInteger, kAnyMain, "a whole number from -2147483648 to 2147483647"},
+    {avtDWord, kColour, "a colour, #RRGGBB or a whole number of which the low 24 bits are sent"},
+    {avtDWord, kAnyMain, "a whole number from 0 to 4294967295"},
+    {avtFloat, 9, "a number from -671088.64 to 670760.96 with a decimal point, or nan"},
+    {avtFloat, kAnyMain, "a number with a decimal point, or nan, inf, -inf"},
+    {avtString, kAnyMain, "text in UTF-8"},
+    {avtDayTime, kAnyMain, "a time of day such as 12:30:15 or Mon 12:30:15"},
+    {avtDate, kAnyMain, "a date from 1990-01-01 to 2089-12-31, such as 2023-01-01"},
+    {avtDateTime, kAnyMain, "a date with time in the years 1400 to 9999, such as 2023-01-01T12:30:15"},
+};
+
+struct BoolWord {
+  const char* word;
+  bool value;
+};
+constexpr BoolWord kBoolWords[] = {{"true", true}, {"false", false}, {"on", true},
+                                   {"off", false}, {"1", true},      {"0", false}};
+
+// By the bits of AroWeekDays, from Monday.
+constexpr const char* kDayNames[] = {"Mon", "Tue", "Wed", "Thu", "Fri", "Sat", "Sun"};
+
+bool ReadBool(std::string_view text, bool& value) {
+  for (const BoolWord& row : kBoolWords) {
+    if (!SameText(text, row.word)) continue;
+    value = row.value;
+    return true;
+  }
+  return false;
+}
+
+/// A whole number, decimal or 0x..., with an optional sign, that fits @p Number. Nothing may follow.
+template <class Number>
+bool ReadWhole(std::string_view text, Number& number) {
+  Cursor cursor(text);
+  const bool negative = cursor.Word("-");
+  if (!negative) cursor.Word("+");
+  const int base = cursor.Word("0x") ? 16 : 10;
+  const std::string_view digits = cursor.Rest();
+  std::uint64_t magnitude;
+  const auto [stop, error] = std::from_chars(digits.data(), digits.data() + digits.size(), magnitude, base);
+  if (error != std::errc() || stop != digits.data() + digits.size() || magnitude > (std::uint64_t{1} << 32))
+    return false;
+  const std::int64_t whole = negative ? -static_cast<std::int64_t>(magnitude) : static_cast<std::int64_t>(magnitude);
+  if (whole < std::numeric_limits<Number>::min() || whole > std::numeric_limits<Number>::max()) return false;
+  number = static_cast<Number>(whole);
+  return true;
+}
+
+bool ReadFloat(std::string_view text, double& number) {
+  std::int32_t whole;
+  if (SameText(text.substr(0, 2), "0x") || SameText(text.substr(0, 3), "-0x")) {
+    if (!ReadWhole(text, whole)) return false;
+    number = whole;
+    return true;
+  }
+  if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
+  const bool named = SameText(text, "nan") || SameText(text, "inf") || SameText(text, "-inf");
+  if (!named && text.find_first_not_of("0123456789.eE+-") != text.npos) return false;
+  const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() && stop == text.data() + text.size();
+}
+
+bool ReadClock(Cursor& cursor, AROTIME& time) {
+  return cursor.Number(time.hour) && cursor.Word(":") && cursor.Number(time.minute) && cursor.Word(":") &&
+         cursor.Number(time.second);
+}
+
+bool ReadCalendar(Cursor& cursor, AROTIME& time) {
+  return cursor.Number(time.year) && cursor.Word("-") && cursor.Number(time.month) && cursor.Word("-") &&
+         cursor.Number(time.day);
+}
+
+bool ReadDayTime(Cursor& cursor, AROTIME& time) {
+  for (unsigned day = 0; day < std::size(kDayNames); ++day) {
+    if (!cursor.Word(kDayNames[day])) continue;
+    time.weekDays = static_cast<std::uint16_t>(AroWeekDays::Monday << day);
+    if (!cursor.Word(" ")) return false;
+    break;
+  }
+  return ReadClock(cursor, time);
+}
+
+bool ReadTime(std::string_view text, AroValueType type, AROTIME& time) {
+  Cursor cursor(text);
+  const bool good = type == avtDayTime ? ReadDayTime(cursor, time)
+                    : type == avtDate  ? ReadCalendar(cursor, time)
+                                       : ReadCalendar(cursor, time) && (cursor.Word("T") || cursor.Word(" ")) &&
+                                            ReadClock(cursor, time);
+  return good && cursor.AtEnd();
+}
+
+bool ReadColour(std::string_view text, std::uint32_t& number) {
+  return text.size() == 7 && text[0] == '#' && ReadWhole("0x" + std::string(text.substr(1)), number);
+}
+
+/// Reads @p text into a number of type @p Number and stores it with one of the value's setters.
+template <class Number>
+bool Read(std::string_view text, AROVALUE& value, void (AROVALUE::*set)(Number) noexcept) {
+  Number number;
+  if (!ReadWhole(text, number)) return false;
+  (value.*set)(number);
+  return true;
+}
+
+bool ReadContent(std::string_view text, unsigned main, AROVALUE& value) {
+  bool truth;
+  double real;
+  std::uint32_t colour;
+  std::int8_t signedByte;
+  switch (value.avt) {
+    case avtBool:
+      if (!ReadBool(text, truth)) return false;
+      value.SetBool(truth);
+      return true;
+    case avtByte:
+      if (main == kSigned8 && ReadWhole(text, signedByte)) {
+        value.SetByte(static_cast<std::uint8_t>(signedByte));
+        return true;
+      }
+      return Read(text, value, &AROVALUE::SetByte);
+    case avtWord:  // as 32 bits: the library says what is too much for 16
+    case avtDWord:
+      if (main == kColour && ReadColour(text, colour)) {
+        value.SetDWord(colour);
+        return true;
+      }
+      return Read(text, value, &AROVALUE::SetDWord);
+    case avtInteger: return Read(text, value, &AROVALUE::SetInteger);
+    case avtFloat:
+      if (!ReadFloat(text, real)) return false;
+      value.SetFloat(real);
+      return true;
+    case avtString: value.text = text; return true;
+    case avtDayTime:
+    case avtDate:
+    case avtDateTime: return ReadTime(text, value.avt, value.time);
+    default: return true;  // the library encodes no such type, whatever the content, and says so
+  }
+}
+
+template <class... Fields>
+std::string Print(const char* format, Fields... fields) {
+  char text[64];
+  std::snprintf(text, sizeof text, format, fields...);
+  return text;
+}
+
+std::string FormatClock(const AROTIME& time) {
+  return Print("%02u:%02u:%02u", unsigned{time.hour}, unsigned{time.minute}, unsigned{time.second});
+}
+
+std::string FormatCalendar(const AROTIME& time) {
+  return Print("%04u-%02u-%02u", unsigned{time.year}, unsigned{time.month}, unsigned{time.day});
+}
+
+std::string FormatDayTime(const AROTIME& time) {
+  std::string day;
+  for (unsigned i = 0; i < std::size(kDayNames); ++i) {
+    if (time.weekDays == AroWeekDays::Monday << i) day = std::string(kDayNames[i]) + ' ';
+  }
+  return day + FormatClock(time);
+}
+
+}  // namespace
+
+std::string Expectation(const Dpt& dpt) {
+  const AroValueType type = Tal::KnxZelMapping::GetAvtFromDpt(static_cast<unsigned>(dpt.Number()));
+  for (const ExpectationRow& row : kExpectations) {
+    if (row.type == type && (row.main == kAnyMain || row.main == dpt.main)) return row.text;
+  }
+  return "nothing: " + std::to_string(dpt.main) + ".x has no values here";
+}
+
+bool ParseValue(std::string_view text, const Dpt& dpt, AROVALUE& value, std::string& error) {
+  AROVALUE parsed;
+  parsed.avt = Tal::KnxZelMapping::GetAvtFromDpt(static_cast<unsigned>(dpt.Number()));
+  if (!ReadContent(text, dpt.main, parsed)) {
+    error = "'" + std::string(text) + "' is no value of " + FormatDpt(dpt) + ": expected " + Expectation(dpt);
+    return false;
+  }
+  value = std::move(parsed);
+  return true;
+}
+
+std::string FormatValue(const AROVALUE& value) {
+  switch (value.avt) {
+    case avtBool: return value.GetBool() ? "true" : "false";
+    case avtWord: return std::to_string(value.GetDWord());
+    case avtString: return value.text;
+    case avtDayTime: return FormatDayTime(value.time);
+    case avtDate: return FormatCalendar(value.time);
+    case avtDateTime: return FormatCalendar(value.time) + 'T' + FormatClock(value.time);
+    default: return value.ToString();
+  }
+}
+
+Json ToJson(const AROVALUE& value) {
+  switch (value.avt) {
+    case avtInvalid:
+    case avtEmpty: return nullptr;
+    case avtBool: return value.GetBool();
+    case avtByte: return value.GetByte();
+    case avtWord:
+    case avtDWord: return value.GetDWord();
+    case avtInteger: return value.GetInteger();
+    case avtFloat:
+      if (std::isfinite(value.GetFloat())) return value.GetFloat();
+      return FormatValue(value);
+    default: return FormatValue(value);
+  }
+}
+
+std::string Line(const Json& json) { return json.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n'; }
+
+}  // namespace Talctl
