@@ -33,46 +33,21 @@ struct WireCase {
   const char* wire;  // worked out by hand from the datapoint type's definition
 };
 
+// clang-format off
 const WireCase kWireCases[] = {
-    {1, Bool(false), "00/1"},
-    {1, Bool(true), "01/1"},
-    {2, Byte(3), "03/2"},
-    {2, Byte(0xFE), "02/2"},
-    {23, Byte(2), "02/2"},
-    {3, Byte(0x1B), "0B/4"},
-    {5, Byte(0), "00/8"},
-    {5, Byte(255), "FF/8"},
-    {6, Byte(0x80), "80/8"},
-    {17, Byte(63), "3F/8"},
-    {18, Byte(0xBF), "BF/8"},
-    {20, Byte(255), "FF/8"},
-    {21, Byte(1), "01/8"},
-    {26, Byte(0x7F), "7F/8"},
-    {238, Byte(9), "09/8"},
-    {7, Word(0), "00 00/16"},
-    {7, Word(65535), "FF FF/16"},
-    {22, Word(0x8001), "80 01/16"},
-    {217, Word(0x0801), "08 01/16"},
-    {234, Word(23130), "5A 5A/16"},
-    {237, Word(1), "00 01/16"},
-    {8, Integer(-32768), "80 00/16"},
-    {8, Integer(32767), "7F FF/16"},
-    {8, Integer(-1), "FF FF/16"},
-    {9, Float(21.0), "0C 1A/16"},
-    {9, Float(-30.0), "8A 24/16"},
-    {9, Float(670760.96), "7F FE/16"},
-    {9, Float(std::nan("")), "7F FF/16"},
-    {10, Clock(23, 59, 59, 0x40), "F7 3B 3B/24"},
-    {10, Clock(0, 0, 0, 0x03), "00 00 00/24"},  // two days are no day
-    {11, Day(1990, 1, 1), "01 01 5A/24"},
-    {11, Day(2000, 2, 29), "1D 02 00/24"},
-    {11, Day(2089, 12, 31), "1F 0C 59/24"},
-    {12, DWord(4294967295), "FF FF FF FF/32"},
-    {15, DWord(0x12345678), "12 34 56 78/32"},
-    {27, DWord(1), "00 00 00 01/32"},
+    {1, Bool(false), "00/1"}, {1, Bool(true), "01/1"}, {2, Byte(3), "03/2"}, {2, Byte(0xFE), "02/2"},
+    {23, Byte(2), "02/2"}, {3, Byte(0x1B), "0B/4"}, {5, Byte(0), "00/8"}, {5, Byte(255), "FF/8"},
+    {6, Byte(0x80), "80/8"}, {17, Byte(63), "3F/8"}, {18, Byte(0xBF), "BF/8"}, {20, Byte(255), "FF/8"},
+    {21, Byte(1), "01/8"}, {26, Byte(0x7F), "7F/8"}, {238, Byte(9), "09/8"},
+    {7, Word(0), "00 00/16"}, {7, Word(65535), "FF FF/16"}, {22, Word(0x8001), "80 01/16"},
+    {217, Word(0x0801), "08 01/16"}, {234, Word(23130), "5A 5A/16"}, {237, Word(1), "00 01/16"},
+    {8, Integer(-32768), "80 00/16"}, {8, Integer(32767), "7F FF/16"}, {8, Integer(-1), "FF FF/16"},
+    {9, Float(21.0), "0C 1A/16"}, {9, Float(-30.0), "8A 24/16"}, {9, Float(670760.96), "7F FE/16"},
+    {9, Float(std::nan("")), "7F FF/16"}, {14, Float(-1.5), "BF C0 00 00/32"}, {14, Float(1e300), "7F 80 00 00/32"},
+    {10, Clock(23, 59, 59, 0x40), "F7 3B 3B/24"}, {10, Clock(0, 0, 0, 0x03), "00 00 00/24"},  // two days are no day
+    {11, Day(1990, 1, 1), "01 01 5A/24"}, {11, Day(2000, 2, 29), "1D 02 00/24"}, {11, Day(2089, 12, 31), "1F 0C 59/24"},
+    {12, DWord(4294967295), "FF FF FF FF/32"}, {15, DWord(0x12345678), "12 34 56 78/32"}, {27, DWord(1), "00 00 00 01/32"},
     {13, Integer(-2147483647 - 1), "80 00 00 00/32"},
-    {14, Float(-1.5), "BF C0 00 00/32"},
-    {14, Float(1e300), "7F 80 00 00/32"},
     {16, Text("Gr\u00FC\u00DFe \u20AC"), "47 72 FC DF 65 20 5F 00 00 00 00 00 00 00/112"},
     {16, Text("0123456789abcdef"), "30 31 32 33 34 35 36 37 38 39 61 62 63 64/112"},
     {19, Moment(2023, 1, 1, 12, 30, 15), "7B 01 01 EC 1E 0F 20 00/64"},  // a Sunday
@@ -80,9 +55,9 @@ const WireCase kWireCases[] = {
     {19, Moment(2023, 1, 1, 25, 0, 0), "7B 01 02 21 00 00 20 00/64"},    // hour 25 is 01:00 of the next day
     {19, Moment(1400, 1, 1, 0), "0C 01 01 60 00 00 20 00/64"},           // the year modulo 256
     {19, Moment(9999, 12, 31, 23, 59, 59), "A3 0C 1F B7 3B 3B 20 00/64"},
-    {232, DWord(1193046), "12 34 56/24"},
-    {232, DWord(0xFF123456), "12 34 56/24"},
+    {232, DWord(1193046), "12 34 56/24"}, {232, DWord(0xFF123456), "12 34 56/24"},
 };
+// clang-format on
 
 TEST(AroValueToGroupValue, WritesTheOctetsOfEveryMainTypeWithoutARecord) {
   ScopedLogCapture log;

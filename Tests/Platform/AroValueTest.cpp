@@ -102,54 +102,15 @@ TEST(AroValue, SerialisesAndReadsBackEveryTypeInBothForms) {
 }
 
 TEST(AroValue, RefusesWhatIsNoSerialisedValueAndStaysAsItWas) {
-  for (const char* text : {"",
-                           "hello",
-                           ":",
-                           "3",
-                           "3.7",
-                           ":1",
-                           "x:1",
-                           "3.8:1",
-                           "3.7.7:1",
-                           " 3:1",
-                           "3 :1",
-                           "+3:1",
-                           "2147483648:",
-                           "0:1",
-                           "1: ",
-                           "2:2",
-                           "2:true",
-                           "2:",
-                           "3:",
-                           "3:1,5",
-                           "3: 1",
-                           "3:1 ",
-                           "3:0x10",
-                           "3:1e999",
-                           "3:infinity",
-                           "3:NaN",
-                           "3:nan(1)",
-                           "3:+1",
-                           "NAN",
-                           "nan ",
-                           "4:2147483648",
-                           "4:1.0",
-                           "4:",
-                           "6:256",
-                           "6:-1",
-                           "7:65536",
-                           "8:4294967296",
-                           "8:-1",
-                           "11:2023 1 2 3 4 5 0 6 0 0",
-                           "11:2023 1 2 3 4 5 0 6 0 0 0 0",
-                           "11:2023 1 2 3 4 5 0 6 0 0 2",
-                           "11:2023  1 2 3 4 5 0 6 0 0 0",
-                           "11:2023 256 2 3 4 5 0 6 0 0 0",
-                           "11:2023 1 2 3 4 5 0 6 0 0 0 ",
-                           "14:0",
-                           "14:0123456789ABCDEG",
-                           "14:0123456789ABCDEF0",
-                           "14:-123456789ABCDEF"}) {
+  // clang-format off
+  for (const char* text :
+       {"", "hello", ":", "3", "3.7", ":1", "x:1", "3.8:1", "3.7.7:1", " 3:1", "3 :1", "+3:1", "2147483648:", "0:1",
+        "1: ", "2:2", "2:true", "2:", "3:", "3:1,5", "3: 1", "3:1 ", "3:0x10", "3:1e999", "3:infinity", "3:NaN",
+        "3:nan(1)", "3:+1", "NAN", "nan ", "4:2147483648", "4:1.0", "4:", "6:256", "6:-1", "7:65536", "8:4294967296",
+        "8:-1", "11:2023 1 2 3 4 5 0 6 0 0", "11:2023 1 2 3 4 5 0 6 0 0 0 0", "11:2023 1 2 3 4 5 0 6 0 0 2",
+        "11:2023  1 2 3 4 5 0 6 0 0 0", "11:2023 256 2 3 4 5 0 6 0 0 0", "11:2023 1 2 3 4 5 0 6 0 0 0 ", "14:0",
+        "14:0123456789ABCDEG", "14:0123456789ABCDEF0", "14:-123456789ABCDEF"}) {
+    // clang-format on
     AROVALUE value = Float(4.5);
     EXPECT_FALSE(value.Deserialize(text)) << text;
     EXPECT_EQ(value, Float(4.5)) << text;
@@ -175,15 +136,12 @@ TEST(AroValue, PacksPayloadsMostSignificantOctetFirst) {
     AROVALUE value;
     std::vector<std::uint8_t> octets;
   };
-  for (const Case& c : {Case{Byte(0x12), {0x12}},
-                        {Raw(1005, 0x1234), {0x34}},
-                        {Raw(1037, 0xFF), {0xFF}},
-                        {Word(0x1234), {0x12, 0x34}},
-                        {Integer(-2), {0xFF, 0xFF, 0xFF, 0xFE}},
-                        {DWord(0x12345678), {0x12, 0x34, 0x56, 0x78}},
-                        {Float(1.0), {0x3F, 0xF0, 0, 0, 0, 0, 0, 0}},
-                        {Text("ab"), {'a', 'b'}},
-                        {Text(""), {}}}) {
+  // clang-format off
+  for (const Case& c : {Case{Byte(0x12), {0x12}}, {Raw(1005, 0x1234), {0x34}}, {Raw(1037, 0xFF), {0xFF}},
+                        {Word(0x1234), {0x12, 0x34}}, {Integer(-2), {0xFF, 0xFF, 0xFF, 0xFE}},
+                        {DWord(0x12345678), {0x12, 0x34, 0x56, 0x78}}, {Float(1.0), {0x3F, 0xF0, 0, 0, 0, 0, 0, 0}},
+                        {Text("ab"), {'a', 'b'}}, {Text(""), {}}}) {
+    // clang-format on
     std::uint8_t room[8] = {};
     std::size_t size = c.octets.size();
     ASSERT_TRUE(AroValueToByteArray(c.value, room, size));

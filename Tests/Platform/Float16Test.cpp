@@ -37,20 +37,15 @@ TEST(Float16, DecodesAndNormalisesAll65536Words) {
 }
 
 TEST(Float16, EncodesToTheNearestWord) {
-  struct Case {
-    double number;
-    unsigned word;
-  };
-  for (const Case& c : {Case{21.0, 0x0C1A},  {-30.0, 0x8A24},      {0.0, 0x0000},
-                        {-0.0, 0x0000},      {-0.001, 0x0000},     {0.005, 0x0001},
-                        {-0.005, 0x87FF},    {0.35, 0x0023},       {20.47, 0x07FF},
-                        {20.474, 0x07FF},    {20.475, 0x0C00},     {20.48, 0x0C00},
-                        {-20.48, 0x8000},    {-20.485, 0x8C00},    {40.95, 0x1400} /* carries twice */,
-                        {670433.28, 0x7FFE}, {670597.11, 0x7FFE},  {670597.12, 0x7FFE},
-                        {670760.96, 0x7FFE}, {-671088.64, 0xF800}, {-670760.96, 0xF801}}) {
+  const std::pair<double, unsigned> cases[] = {
+      {21.0, 0x0C1A},      {-30.0, 0x8A24},      {0.0, 0x0000},       {-0.0, 0x0000},      {-0.001, 0x0000},
+      {0.005, 0x0001},     {-0.005, 0x87FF},     {0.35, 0x0023},      {20.474, 0x07FF},    {20.475, 0x0C00},
+      {-20.48, 0x8000},    {-20.485, 0x8C00},    {40.95, 0x1400},     {670433.28, 0x7FFE}, {670597.12, 0x7FFE},
+      {670760.96, 0x7FFE}, {-671088.64, 0xF800}, {-670760.96, 0xF801}};
+  for (const auto& [number, expected] : cases) {
     std::uint16_t word = 0xAAAA;
-    EXPECT_TRUE(EncodeFloat16(c.number, word)) << c.number;
-    EXPECT_EQ(word, c.word) << c.number;
+    EXPECT_TRUE(EncodeFloat16(number, word)) << number;
+    EXPECT_EQ(word, expected) << number;
   }
 }
 

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
 #include <sstream>
 
 #include "Support/Values.h"
@@ -56,35 +55,24 @@ TEST(BinaryData, CopiesAreIndependentWhateverTheirSize) {
 }
 
 TEST(GroupValue, SettersWriteTheirLayoutAndSize) {
-  using Setter = std::function<void(GroupValue&)>;
+  using Setter = void (*)(GroupValue&);
+  // clang-format off
   const std::pair<Setter, const char*> cases[] = {
-      {[](GroupValue& v) { v.SetAsBoolean(true); }, "01/1"},
-      {[](GroupValue& v) { v.SetAsUnsigned2(0xFF); }, "03/2"},
-      {[](GroupValue& v) { v.SetAsUnsigned3(0xFD); }, "05/3"},
-      {[](GroupValue& v) { v.SetAsUnsigned4(0x1A); }, "0A/4"},
-      {[](GroupValue& v) { v.SetAsChar('\xE9'); }, "E9/8"},
-      {[](GroupValue& v) { v.SetAsUnsigned8(255); }, "FF/8"},
-      {[](GroupValue& v) { v.SetAsSigned8(-2); }, "FE/8"},
-      {[](GroupValue& v) { v.SetAsUnsigned16(0x1234); }, "12 34/16"},
-      {[](GroupValue& v) { v.SetAsSigned16(-2); }, "FF FE/16"},
-      {[](GroupValue& v) { v.SetAsFloat16(21.0); }, "0C 1A/16"},
-      {[](GroupValue& v) { v.SetAsFloat16(std::nan("")); }, "7F FF/16"},
-      {[](GroupValue& v) { v.SetAsUnsigned32(0x12345678); }, "12 34 56 78/32"},
-      {[](GroupValue& v) { v.SetAsSigned32(-2); }, "FF FF FF FE/32"},
-      {[](GroupValue& v) { v.SetAsFloat32(-1.5F); }, "BF C0 00 00/32"},
-      {[](GroupValue& v) { v.SetAsFloat32(INFINITY); }, "7F 80 00 00/32"},
-      {[](GroupValue& v) { v.SetAsDate(29, 2, 2024); }, "1D 02 18/24"},
-      {[](GroupValue& v) { v.SetAsDate(1, 1, 1990); }, "01 01 5A/24"},
-      {[](GroupValue& v) { v.SetAsDate(31, 12, 2089); }, "1F 0C 59/24"},
-      {[](GroupValue& v) { v.SetAsTimeOfDay(23, 59, 58, 7); }, "F7 3B 3A/24"},
-      {[](GroupValue& v) { v.SetAsString14("a\xE9"); }, "61 E9 00 00 00 00 00 00 00 00 00 00 00 00/112"},
-      {[](GroupValue& v) { v.SetAsString14("0123456789abcdef"); }, "30 31 32 33 34 35 36 37 38 39 61 62 63 64/112"},
-      {[](GroupValue& v) {
-         v.SetRawData({1, 2, 3});
-       },
-       "01 02 03/24"},
-      {[](GroupValue& v) { v.SetRawData({}); }, "/0"},
-  };
+      {[](auto& v) { v.SetAsBoolean(true); }, "01/1"}, {[](auto& v) { v.SetAsUnsigned2(0xFF); }, "03/2"},
+      {[](auto& v) { v.SetAsUnsigned3(0xFD); }, "05/3"}, {[](auto& v) { v.SetAsUnsigned4(0x1A); }, "0A/4"},
+      {[](auto& v) { v.SetAsChar('\xE9'); }, "E9/8"}, {[](auto& v) { v.SetAsUnsigned8(255); }, "FF/8"},
+      {[](auto& v) { v.SetAsSigned8(-2); }, "FE/8"}, {[](auto& v) { v.SetAsUnsigned16(0x1234); }, "12 34/16"},
+      {[](auto& v) { v.SetAsSigned16(-2); }, "FF FE/16"}, {[](auto& v) { v.SetAsFloat16(21.0); }, "0C 1A/16"},
+      {[](auto& v) { v.SetAsFloat16(std::nan("")); }, "7F FF/16"}, {[](auto& v) { v.SetAsSigned32(-2); }, "FF FF FF FE/32"},
+      {[](auto& v) { v.SetAsUnsigned32(0x12345678); }, "12 34 56 78/32"},
+      {[](auto& v) { v.SetAsFloat32(-1.5F); }, "BF C0 00 00/32"}, {[](auto& v) { v.SetAsFloat32(INFINITY); }, "7F 80 00 00/32"},
+      {[](auto& v) { v.SetAsDate(29, 2, 2024); }, "1D 02 18/24"}, {[](auto& v) { v.SetAsDate(1, 1, 1990); }, "01 01 5A/24"},
+      {[](auto& v) { v.SetAsDate(31, 12, 2089); }, "1F 0C 59/24"},
+      {[](auto& v) { v.SetAsTimeOfDay(23, 59, 58, 7); }, "F7 3B 3A/24"},
+      {[](auto& v) { v.SetAsString14("a\xE9"); }, "61 E9 00 00 00 00 00 00 00 00 00 00 00 00/112"},
+      {[](auto& v) { v.SetAsString14("0123456789abcdef"); }, "30 31 32 33 34 35 36 37 38 39 61 62 63 64/112"},
+      {[](auto& v) { v.SetRawData({1, 2, 3}); }, "01 02 03/24"}, {[](auto& v) { v.SetRawData({}); }, "/0"}};
+  // clang-format on
   for (const auto& [set, expected] : cases) {
     GroupValue value({9, 9, 9, 9, 9}, 77);
     EXPECT_EQ(Wire(value), "09 09 09 09 09/77");

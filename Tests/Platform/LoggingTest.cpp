@@ -55,7 +55,7 @@ TEST(Logging, ContextAndRecursionBelongToTheThreadAndCannotForgeThePrefix) {
   const std::string name = "ToKnxValue(TalObjectModel/Knx.Converter:123)";
   EXPECT_THAT(texts, ElementsAre("[kitchen-light-1] " + name + " -     a - b", name + " - other thread",
                                  name + " -     inner", name + " - after"));
-  EXPECT_THAT(log.Messages(LogLevel::Info), ElementsAre("a - b", "other thread", "inner", "after"));
+  EXPECT_THAT(log.Take(), ElementsAre("INFO a - b", "INFO other thread", "INFO inner", "INFO after"));
 }
 
 TEST(Logging, BuildsNoTextWhileTheLevelIsOff) {

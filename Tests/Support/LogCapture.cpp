@@ -45,14 +45,6 @@ std::vector<Record> ScopedLogCapture::Records() const {
   return In(m_appender).m_records;
 }
 
-std::vector<std::string> ScopedLogCapture::Messages(Tal::LogLevel level) const {
-  std::vector<std::string> messages;
-  for (const Record& record : Records()) {
-    if (record.level == level) messages.push_back(record.message);
-  }
-  return messages;
-}
-
 std::vector<std::string> ScopedLogCapture::Take() {
   std::vector<std::string> lines;
   for (const Record& record : Records()) {

@@ -25,8 +25,6 @@ class ScopedLogCapture {
   ~ScopedLogCapture();
 
   std::vector<Record> Records() const;
-  /// The messages of a level, in order.
-  std::vector<std::string> Messages(Tal::LogLevel level) const;
   /// All records as "LEVEL message", in order; what was collected is forgotten.
   std::vector<std::string> Take();
 

@@ -17,37 +17,20 @@ inline AROVALUE Typed(AroValueType type) {
   value.avt = type;
   return value;
 }
-inline AROVALUE Bool(bool content) {
-  AROVALUE value = Typed(avtBool);
-  value.SetBool(content);
+/// A value of type @p type with one payload set.
+template <class Payload, class Content>
+AROVALUE With(AroValueType type, void (AROVALUE::*set)(Payload) noexcept, Content content) {
+  AROVALUE value = Typed(type);
+  (value.*set)(content);
   return value;
 }
-inline AROVALUE Byte(std::uint8_t number) {
-  AROVALUE value = Typed(avtByte);
-  value.SetByte(number);
-  return value;
-}
+inline AROVALUE Bool(bool content) { return With(avtBool, &AROVALUE::SetBool, content); }
+inline AROVALUE Byte(std::uint8_t number) { return With(avtByte, &AROVALUE::SetByte, number); }
 /// Takes 32 bits, so that numbers beyond 16 can be put under avtWord.
-inline AROVALUE Word(std::uint32_t number) {
-  AROVALUE value = Typed(avtWord);
-  value.SetDWord(number);
-  return value;
-}
-inline AROVALUE DWord(std::uint32_t number) {
-  AROVALUE value = Typed(avtDWord);
-  value.SetDWord(number);
-  return value;
-}
-inline AROVALUE Integer(std::int32_t number) {
-  AROVALUE value = Typed(avtInteger);
-  value.SetInteger(number);
-  return value;
-}
-inline AROVALUE Float(double number) {
-  AROVALUE value = Typed(avtFloat);
-  value.SetFloat(number);
-  return value;
-}
+inline AROVALUE Word(std::uint32_t number) { return With(avtWord, &AROVALUE::SetDWord, number); }
+inline AROVALUE DWord(std::uint32_t number) { return With(avtDWord, &AROVALUE::SetDWord, number); }
+inline AROVALUE Integer(std::int32_t number) { return With(avtInteger, &AROVALUE::SetInteger, number); }
+inline AROVALUE Float(double number) { return With(avtFloat, &AROVALUE::SetFloat, number); }
 inline AROVALUE Text(std::string text) {
   AROVALUE value = Typed(avtString);
   value.text = std::move(text);
