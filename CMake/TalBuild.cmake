@@ -32,7 +32,9 @@ function(tal_shared_library name)
     $<BUILD_INTERFACE:${ARG_INCLUDE}> $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/Generated>)
   target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE} $<BUILD_INTERFACE:tal_build>)
   if(NOT TAL_SANITIZE)  # a sanitizer's run-time may stand in the program only
-    target_link_options(${name} PRIVATE -Wl,--no-undefined)
+    set(map ${PROJECT_SOURCE_DIR}/CMake/Exports.map)
+    target_link_options(${name} PRIVATE -Wl,--no-undefined -Wl,--version-script=${map})
+    set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${map})
   endif()
   set_target_properties(${name} PROPERTIES OUTPUT_NAME ${ARG_OUTPUT} CXX_EXTENSIONS OFF
     CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON

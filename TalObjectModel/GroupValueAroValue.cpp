@@ -130,8 +130,7 @@ bool EncodeDate(const EncodeRequest& request, GroupValue& out) {
 }
 
 bool EncodeDateTime(const EncodeRequest& request, GroupValue& out) {
-  const auto fields = static_cast<std::tm>(request.value.time);
-  out = MakeGroupValue(KnxWire::PackDateTime(boost::posix_time::ptime_from_tm(fields)));
+  out = MakeGroupValue(KnxWire::PackDateTime(boost::posix_time::ptime_from_tm(request.value.time)));
   return true;
 }
 
@@ -222,7 +221,7 @@ boost::optional<GroupValue> AroValueToGroupValue(const AROVALUE& value, unsigned
   if (entry.encode == nullptr) {
     TAL_LOG_AT(Error, site) << "Value type " << main << " not supported (dwDPT=" << dpt
                             << " with value='avt: " << static_cast<std::int32_t>(AroValueType{value.avt})
-                            << ", ToString(): " << value.ToString() << "')";
+                            << ", ToString(): " << value.ToString() << "').";
     return boost::none;
   }
   boost::optional<GroupValue> groupValue(GroupValue{});

@@ -129,8 +129,9 @@ unsigned GetMaxParametersOfType(ParameterType type) noexcept {
 
 bool IsParameterChannel(ObjectId id) noexcept {
   if (id < kLogicalDeviceSize + kParameters) return false;
-  // Deliberate: evenness is not tested, and the second modulo lets communication objects at like offsets pass. The
-  // device-stack service relies on this arithmetic; callers that must tell the two apart ask IsCoChannel() as well.
+  // Deliberate: evenness is not tested, and the second modulo lets other identifiers at like offsets pass. This
+  // arithmetic is a contract with the device-stack service; callers that must tell the kinds apart ask IsCoChannel()
+  // too.
   std::uint32_t rest = id % kLogicalDeviceSize % kParameters;
   if (rest < 2 || rest - 2 >= kParameterTypes * kParameterTypeSize) return false;
   const std::uint32_t type = (rest - 2) / kParameterTypeSize;

@@ -6,6 +6,7 @@
 #include <Tal/Export.h>
 
 #include <boost/date_time/posix_time/ptime.hpp>
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -49,6 +50,7 @@ inline AROVALUE ToAroValue(std::string_view value, AroValueType expectedType) {
 inline AROVALUE ToAroValue(const char* value, AroValueType expectedType) {
   return ToAroValue(std::string(value), expectedType);
 }
+AROVALUE ToAroValue(std::nullptr_t value, AroValueType expectedType) = delete;
 
 /// A time of day as avtDayTime: its fields on 2000-01-01 with the weekday's bit, extraWord 1.
 /// Assertion: "expectedType == avtDayTime".

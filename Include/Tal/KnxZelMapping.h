@@ -67,8 +67,9 @@ TALOBJECTMODEL_EXPORT boost::optional<std::uint16_t> GetCoNumberFromObjModelId(u
 
 /// The largest parameter number: 100, 200, 500 for Ip, Number, Text; 0 for any other type.
 TALOBJECTMODEL_EXPORT unsigned GetMaxParametersOfType(ParameterType type) noexcept;
-/// True for the channels of parameters. True also for their values, and for those channels and values of communication
-/// objects that look alike modulo 60000: ask IsCoChannel() first where both may occur.
+/// True for the channels of parameters from number 1 (of text parameters from 0). True also for their values, and for
+/// identifiers of other kinds in logical devices from 160000 up that look alike modulo 60000, communication objects
+/// among them: ask IsCoChannel() first where both may occur.
 TALOBJECTMODEL_EXPORT bool IsParameterChannel(ObjectId id) noexcept;
 /// Nothing for @p n above the type's maximum.
 TALOBJECTMODEL_EXPORT boost::optional<ObjectId> GetParameterChannelObjModelId(unsigned short n, LogicalDeviceId dev,
@@ -79,15 +80,16 @@ TALOBJECTMODEL_EXPORT boost::optional<ObjectId> GetNumberParameterValueObjModelI
                                                                                   LogicalDeviceId dev) noexcept;
 TALOBJECTMODEL_EXPORT boost::optional<ObjectId> GetTextParameterValueObjModelId(unsigned short n,
                                                                                 LogicalDeviceId dev) noexcept;
-/// Nothing when @p channelId is no channel of a parameter.
+/// The next number; nothing when IsParameterChannel() is false for @p channelId.
 TALOBJECTMODEL_EXPORT boost::optional<ObjectId> GetParameterValueObjModelId(ObjectId channelId) noexcept;
 TALOBJECTMODEL_EXPORT boost::optional<ObjectId> GetParameterValueObjModelId(unsigned short n, LogicalDeviceId dev,
                                                                             ParameterType type) noexcept;
-/// Nothing when @p id is no parameter channel of @p dev.
+/// The type of the parameter with the channel @p id, an identifier of @p dev; nothing when IsParameterChannel() is
+/// false or @p id lies outside the device's parameters. For the identifier of another device the answer means nothing.
 TALOBJECTMODEL_EXPORT boost::optional<ParameterType> GetParameterTypeFromObjModelId(ObjectId id,
                                                                                     LogicalDeviceId dev) noexcept;
-/// The low 8 bits of the parameter's number, so numbers above 255 are not told apart from smaller ones; nothing when
-/// @p id is no parameter channel of @p dev.
+/// The low 8 bits of the parameter's number, so numbers above 255 are not told apart from smaller ones; nothing where
+/// GetParameterTypeFromObjModelId() gives nothing.
 TALOBJECTMODEL_EXPORT boost::optional<std::uint8_t> GetParameterNumberFromObjModelId(ObjectId id,
                                                                                      LogicalDeviceId dev) noexcept;
 

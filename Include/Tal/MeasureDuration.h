@@ -20,7 +20,8 @@ class MeasureDuration {
   /// @param label      opens the message; carries its own trailing blank.
   /// @param threshold  wall time. Without it the destructor writes one DEBUG record; with it one INFO record when at
   ///                   least this much time has passed, else nothing.
-  explicit MeasureDuration(std::string label, boost::optional<boost::chrono::nanoseconds> threshold = boost::none)
+  explicit MeasureDuration(std::string label) : m_label(std::move(label)) {}
+  MeasureDuration(std::string label, boost::chrono::nanoseconds threshold)
       : m_label(std::move(label)), m_threshold(threshold) {}
 
   static constexpr int kDestructorLine = __LINE__ + 1;  // for its log record

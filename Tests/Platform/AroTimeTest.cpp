@@ -35,7 +35,7 @@ TEST(AroTime, SettersTouchExactlyTheirFields) {
 }
 
 TEST(AroTime, BecomesBrokenDownTimeWithoutNormalising) {
-  const auto fields = static_cast<std::tm>(Time(2023, 0, 31, 25, 61, 62));
+  const std::tm fields = Time(2023, 0, 31, 25, 61, 62);
   EXPECT_THAT(std::vector<int>({fields.tm_year, fields.tm_mon, fields.tm_mday, fields.tm_hour, fields.tm_min,
                                 fields.tm_sec, fields.tm_isdst}),
               testing::ElementsAre(123, -1, 31, 25, 61, 62, -1));

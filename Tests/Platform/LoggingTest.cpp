@@ -2,6 +2,7 @@
 #include <TalLog/LogEntryFormatter.h>
 #include <TalLog/LogRecord.h>
 #include <gmock/gmock.h>
+#include <log4cplus/configurator.h>
 
 #include <cstdio>
 #include <fstream>
@@ -41,7 +42,7 @@ TEST(Logging, APlaceNamesItsSourceWithoutBuildPrefix) {
 TEST(Logging, ContextAndRecursionBelongToTheThreadAndCannotForgeThePrefix) {
   ScopedLogCapture log;
   {
-    const ScopedLoggingContext outer("kitchen - light - 1");
+    const ScopedLoggingContext outer("kitchen - light  -  1");
     const LoggingRecursionScope deeper;
     const LoggingRecursionScope deepest;
     TAL_LOG_AT(Info, kSite) << "a - b";
@@ -109,24 +110,39 @@ TEST(Logging, AnUnusableConfigurationIsRefusedAndChangesNothing) {
   EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("still heard"));
 }
 
-// In a process of its own: a configuration lasts as long as its process.
+// In processes of their own: a configuration lasts as long as its process.
 TEST(LoggingDeathTest, APropertiesFileDecidesLevelAndPlace) {
   const std::string path = testing::TempDir() + "good.properties";
-  std::ofstream(path) << "log4cplus.rootLogger=INFO, ERR\n"
-                         "log4cplus.appender.ERR=log4cplus::ConsoleAppender\n"
-                         "log4cplus.appender.ERR.logToStdErr=true\n"
-                         "log4cplus.appender.ERR.layout=log4cplus::PatternLayout\n"
-                         "log4cplus.appender.ERR.layout.ConversionPattern=<%p %m>%n\n";
-  EXPECT_EXIT(
-      {
-        std::string reason;
-        if (!ConfigureLogging(path, reason)) std::_Exit(1);
-        TAL_LOG_AT(Debug, kSite) << "too low";
-        TAL_LOG_AT(Info, kSite) << "once";
-        std::_Exit(0);
-      },
-      testing::ExitedWithCode(0), "^<INFO ToKnxValue.*once>\n$");
+  const std::string appender =
+      "log4cplus.appender.ERR=log4cplus::ConsoleAppender\nlog4cplus.appender.ERR.logToStdErr=true\n"
+      "log4cplus.appender.ERR.layout=log4cplus::PatternLayout\n"
+      "log4cplus.appender.ERR.layout.ConversionPattern=<%p %m>%n\n";
+  std::ofstream(path) << "log4cplus.rootLogger=INFO, ERR\n" << appender;
+  const auto log = [](bool configured) {
+    TAL_LOG_AT(Debug, kSite) << "too low";
+    TAL_LOG_AT(Info, kSite) << "once";
+    std::_Exit(configured ? 0 : 1);
+  };
+  std::string reason;
+  EXPECT_EXIT(log(ConfigureLogging(path, reason)), testing::ExitedWithCode(0), "^<INFO ToKnxValue.*once>\n$");
+  // An application may also configure log4cplus itself before the first record.
+  EXPECT_EXIT((log4cplus::PropertyConfigurator::doConfigure(path), log(true)), testing::ExitedWithCode(0),
+              "^<INFO ToKnxValue.*once>\n$");
   std::remove(path.c_str());
+}
+
+/// Logs when the process ends, after the objects of its threads are gone.
+struct LateLogger {
+  ~LateLogger() { TAL_LOG_AT(Warn, kSite) << "late"; }
+};
+
+TEST(LoggingDeathTest, GoesOnWhileTheProcessEnds) {
+  const auto exit = [] {
+    static const LateLogger late;
+    const ScopedLoggingContext context("a context of more characters than fit into a small string");
+    std::exit(0);
+  };
+  EXPECT_EXIT(exit(), testing::ExitedWithCode(0), "ToKnxValue.* - late\n");
 }
 
 void FailAnAssertion() { TAL_ASSERT2(1 + 1 == 3); }

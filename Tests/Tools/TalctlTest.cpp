@@ -35,7 +35,7 @@ TEST(TalctlEncode, PrintsTheOctetsOfOneValue) {
   // clang-format off
   const Pair cases[] = {
       {"9.001|21", "0C1A"}, {"9.1|-30", "8A24"}, {"9|-.5", "87CE"}, {"9.x|+21", "0C1A"}, {"dpst-9-1|NaN", "7FFF"},
-      {"DPT-14|-inf", "FF800000"}, {"9.001|0x15", "0C1A"}, {"9.001|2.1e1", "0C1A"}, {"1.001|On", "01"},
+      {"DPT-14|-inf", "FF800000"}, {"9.001|0x15", "0C1A"}, {"9.001|2.1e1", "0C1A"}, {"14.001|-0x80000000", "CF000000"}, {"1.001|On", "01"},
       {"5.001|0xfF", "FF"}, {"6.001|-128", "80"}, {"6.001|255", "FF"}, {"8.001|-0x10", "FFF0"},
       {"13.001|-2147483648", "80000000"}, {"12.001|4294967295", "FFFFFFFF"}, {"10.001|Sun 23:59:59", "F73B3B"},
       {"10.001|mon|7:05:00", "270500"}, {"11.001|1990-01-01", "01015A"}, {"232.600|#123456", "123456"},
@@ -67,6 +67,8 @@ TEST(TalctlEncode, RefusesOnStandardErrorWithTheReasonAndWhatToDo) {
       {"9.001|inf", "'inf' cannot be sent as 9.001: " + float16},
       {"9.001|21,5", "'21,5' is no value of 9.001: " + float16},
       {"14.056|infinity", "'infinity' is no value of 14.056: " + float32},
+      {"14.056|0x1p3", "'0x1p3' is no value of 14.056: " + float32},
+      {"14.056|+-1", "'+-1' is no value of 14.056: " + float32},
       {"14.056|1e999", "'1e999' is no value of 14.056: " + float32},
       {"5.001|256", "'256' is no value of 5.001: " + byte},
       {"5.001|1x", "'1x' is no value of 5.001: " + byte},
@@ -88,6 +90,7 @@ TEST(TalctlEncode, RefusesOnStandardErrorWithTheReasonAndWhatToDo) {
       {"300.001|1",
        "Value type 300 not supported (dwDPT=19660801 with value='avt: 1, ToString(): '): 300.x is not "
        "known; `talctl dpts` lists what is"},
+      {"5.001|1\n\x1B[2J", "'1\\n\\x1B[2J' is no value of 5.001: " + byte},
       {"9.01y|1", "'9.01y' is not a datapoint type: " + dpt},
       {"65536.1|1", "'65536.1' is not a datapoint type: " + dpt},
   };
@@ -131,6 +134,7 @@ TEST(TalctlEncode, WritesOneJsonObjectALineOfTheValuesKind) {
       {"16.1 \xFF", "\"dpt\":\"16.001\",\"value\":\"\uFFFD\",\"error\":\""},
       {"10.1 Mon 1:2:3", R"("dpt":"10.001","value":"Mon 01:02:03","type":"DayTime","octets":"210203","bits":24})"},
       {"9.1 x", R"("dpt":"9.001","value":"x","error":")"},
+      {"4.1 A", R"("dpt":"4.001","value":"A","error":")"},
       {"x", R"("error":")"}};
   std::string input = "# first\n";
   std::string expected;
@@ -212,6 +216,8 @@ TEST(TalctlDpts, DescribesMainTypes) {
   const Outcome unknown = RunWith("dpts|300");
   EXPECT_EQ(unknown.status, 1);
   EXPECT_EQ(unknown.err, "error: 300.000 is of no known main type; `talctl dpts` lists them\n");
+  EXPECT_EQ(RunWith("dpts|--json|300").out,
+            "{\"error\":\"300.000 is of no known main type; `talctl dpts` lists them\"}\n");
 }
 
 TEST(TalctlId, ExplainsIdentifiers) {
@@ -228,6 +234,7 @@ TEST(TalctlId, ExplainsIdentifiers) {
       {"160003", "value of IP parameter 1 of logical device 1"},
       {"270400", "channel of number parameter 200 of logical device 2"},
       {"281000", "channel of text parameter 500 of logical device 2"},  // not 244, its low eight bits
+      {"160000", "channel of IP parameter 0 of logical device 1"},
       {"281002", none},
       {"299999", "the last identifier of logical device 2"},
       {"99999", none},
@@ -262,8 +269,8 @@ TEST(TalctlId, ComputesIdentifiers) {
       {"2|--app-control|app-debug", "200024      app host control: app debug of logical device 2\n"},
       {"1|--co|0", "error: there is no communication object 0: expected a number from 1 to 4095\n"},
       {"1|--co|4096", "error: there is no communication object 4096: expected a number from 1 to 4095\n"},
-      {"1|--parameter|ip:101", "error: there is no parameter 'ip:101': expected a number from 1 to 100\n"},
-      {"1|--parameter|text:5x", "error: there is no parameter 'text:5x': expected a number from 1 to 500\n"}};
+      {"1|--parameter|ip:101", "error: there is no parameter 'ip:101': expected a number from 0 to 100\n"},
+      {"1|--parameter|text:5x", "error: there is no parameter 'text:5x': expected a number from 0 to 500\n"}};
   for (const auto& [options, text] : cases) {
     const Outcome outcome = RunWith(std::string("id|--device|") + options);
     EXPECT_EQ(outcome.out + outcome.err, text);

@@ -1,5 +1,9 @@
 #include "Command.h"
 
+#include <ostream>
+
+#include "ValueText.h"
+
 namespace Talctl {
 namespace {
 
@@ -28,6 +32,15 @@ class HelpFormatter final : public CLI::Formatter {
 };
 
 }  // namespace
+
+ExitStatus Refuse(const Invocation& invocation, const std::string& reason) {
+  if (invocation.options.json) {
+    invocation.streams.out << Line({{"error", reason}});
+  } else {
+    invocation.streams.err << "error: " << reason << '\n';
+  }
+  return kRefused;
+}
 
 void SetHelp(CLI::App& command, std::vector<std::string> usages, std::string description) {
   command.formatter(std::make_shared<HelpFormatter>(std::move(usages), std::move(description)));

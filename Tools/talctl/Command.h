@@ -37,6 +37,9 @@ struct Invocation {
   const Streams& streams;
 };
 
+/// Tells why an operand is refused: on standard error, or as an object among the others with --json.
+ExitStatus Refuse(const Invocation& invocation, const std::string& reason);
+
 /// A command line that CLI11 accepts but the command does not: reported with exit status kWrongUse.
 class WrongUse : public std::runtime_error {
  public:

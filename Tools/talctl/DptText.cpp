@@ -1,6 +1,7 @@
 #include "DptText.h"
 
 #include "Cursor.h"
+#include "Quoted.h"
 
 namespace Talctl {
 
@@ -17,8 +18,8 @@ bool ParseDpt(std::string_view text, Dpt& dpt, std::string& error) {
            (cursor.AtEnd() || (cursor.Word(".") && (cursor.Word("x") || cursor.Number(parsed.sub))));
   }
   if (!good || !cursor.AtEnd()) {
-    error = "'" + std::string(text) +
-            "' is not a datapoint type: expected main.sub up to 65535 each, such as 9.001, 9, DPST-9-1 or DPT-9";
+    error = Quoted(text) +
+            " is not a datapoint type: expected main.sub up to 65535 each, such as 9.001, 9, DPST-9-1 or DPT-9";
     return false;
   }
   dpt = parsed;

@@ -89,8 +89,7 @@ ExitStatus DptsCommand::Run(const Invocation& invocation) {
       }
       error = FormatDpt(dpt) + " is of no known main type; `talctl dpts` lists them";
     }
-    streams.err << "error: " << error << '\n';
-    status = kRefused;
+    status = Refuse(invocation, error);
   }
   if (options.json) {
     PrintJson(wanted, streams.out);

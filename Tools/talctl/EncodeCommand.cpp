@@ -47,7 +47,7 @@ ExitStatus EncodeLines(const Invocation& invocation, ReasonLog& log) {
   LineReader lines(in);
   ExitStatus status = kDone;
   while (lines.Next()) {
-    if (!lines.TooLong() && IsSkipped(lines.Text())) continue;
+    if (IsSkipped(lines.Text())) continue;
     Encoding encoding;
     if (lines.TooLong()) {
       encoding.error = "the line is longer than " + std::to_string(LineReader::kMaxLength) + " bytes";

@@ -5,6 +5,10 @@
 #include <Tal/TableDescription.h>
 
 #include <algorithm>
+#include <boost/algorithm/string/classification.hpp>
+#include <boost/algorithm/string/trim.hpp>
+
+#include "Quoted.h"
 
 namespace Talctl {
 namespace {
@@ -26,11 +30,10 @@ std::string Advice(const Dpt& dpt) {
          "; `talctl dpts` lists what is";
 }
 
-/// The library's reason and what to do about it.
+/// The library's reason, without what ends its sentence, and what to do about it.
 std::string Explain(std::string reason, const Dpt& dpt, std::string_view value) {
-  const std::size_t end = reason.find_last_not_of(' ');
-  reason.erase(end == std::string::npos ? 0 : end + 1);
-  if (reason.empty()) reason = "'" + std::string(value) + "' cannot be sent as " + FormatDpt(dpt);
+  boost::algorithm::trim_right_if(reason, boost::algorithm::is_any_of(" ."));
+  if (reason.empty()) reason = Quoted(value) + " cannot be sent as " + FormatDpt(dpt);
   return reason + ": " + Advice(dpt);
 }
 
@@ -42,10 +45,10 @@ Json Encoding::ToJson(unsigned long line) const {
   Json json;
   json["line"] = line;
   if (dpt) json["dpt"] = FormatDpt(*dpt);
-  if (value) {
+  if (value && value->avt != avtEmpty) {
     json["value"] = Talctl::ToJson(*value);
   } else if (!text.empty()) {
-    json["value"] = text;
+    json["value"] = text;  // as it was given
   }
   if (!groupValue) {
     json["error"] = error;

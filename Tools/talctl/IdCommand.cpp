@@ -6,6 +6,7 @@
 
 #include "Commands.h"
 #include "Cursor.h"
+#include "Quoted.h"
 #include "ValueText.h"
 
 namespace Talctl {
@@ -59,7 +60,6 @@ boost::optional<Explanation> ExplainParameter(ObjectId id, LogicalDeviceId dev) 
   for (const ParameterKind& kind : kParameterKinds) {
     for (unsigned short n = 0; n <= GetMaxParametersOfType(kind.type); ++n) {
       const auto channel = GetParameterChannelObjModelId(n, dev, kind.type);
-      if (!channel || !IsParameterChannel(*channel)) continue;
       const std::string what = std::string(kind.title) + " parameter";
       if (id == *channel) return Explained("parameter-channel", "channel of " + what, dev, n);
       if (id == *channel + 1) return Explained("parameter-value", "value of " + what, dev, n);
@@ -113,19 +113,13 @@ ExitStatus ExplainAll(const Invocation& invocation) {
   ExitStatus status = kDone;
   for (const std::string& operand : invocation.operands) {
     if (operand.empty() || !std::all_of(operand.begin(), operand.end(), IsDigit)) {
-      invocation.streams.err << "error: '" << operand << "' is not an identifier: expected a whole number\n";
-      status = kRefused;
+      status = Refuse(invocation, Quoted(operand) + " is not an identifier: expected a whole number");
       continue;
     }
     ObjectId id;
     Print(invocation, operand, Cursor(operand).Number(id) ? Explain(id) : Explanation());  // or beyond 32 bits
   }
   return status;
-}
-
-ExitStatus Refuse(const Invocation& invocation, const std::string& reason) {
-  invocation.streams.err << "error: " << reason << '\n';
-  return kRefused;
 }
 
 ExitStatus PrintCo(const Invocation& invocation, LogicalDeviceId dev, unsigned short co) {
@@ -144,14 +138,14 @@ ExitStatus PrintParameter(const Invocation& invocation, LogicalDeviceId dev, con
     if (!cursor.Word(kind.name) || !cursor.Word(":")) continue;
     const auto channel = cursor.Number(n) && cursor.AtEnd() ? GetParameterChannelObjModelId(n, dev, kind.type)
                                                             : boost::optional<ObjectId>();
-    if (!channel || !IsParameterChannel(*channel)) {
-      return Refuse(invocation, "there is no parameter '" + text + "': expected a number from 1 to " +
+    if (!channel) {
+      return Refuse(invocation, "there is no parameter " + Quoted(text) + ": expected a number from 0 to " +
                                     std::to_string(GetMaxParametersOfType(kind.type)));
     }
-    PrintChannelAndValue(invocation, *channel, *GetParameterValueObjModelId(*channel));
+    PrintChannelAndValue(invocation, *channel, *GetParameterValueObjModelId(n, dev, kind.type));
     return kDone;
   }
-  throw WrongUse("--parameter: '" + text + "' is not ip:N, number:N or text:N");
+  throw WrongUse("--parameter: " + Quoted(text) + " is not ip:N, number:N or text:N");
 }
 
 }  // namespace

@@ -65,6 +65,13 @@ Arguments Separate(const CLI::App& app, const std::vector<std::string>& argument
   return separated;
 }
 
+/// @p status, unless the output cannot be written.
+ExitStatus Flushed(const Streams& streams, ExitStatus status) {
+  if (streams.out.flush()) return status;
+  streams.err << "talctl: standard output cannot be written\n";
+  return kRefused;
+}
+
 int RunUnguarded(const std::vector<std::string>& arguments, const Streams& streams) {
   CLI::App app("Looks at KNX values and object-model identifiers through libtalobjectmodel.", "talctl");
   CommonOptions options;
@@ -77,6 +84,11 @@ int RunUnguarded(const std::vector<std::string>& arguments, const Streams& strea
       ->type_name("LEVEL")
       ->check(CLI::IsMember(kLogLevels, CLI::ignore_case));
   app.footer(
+      "Examples:\n"
+      "  talctl encode 9.001 21            0C1A\n"
+      "  talctl dpts 9.001\n"
+      "  talctl id 100101\n"
+      "  talctl demo --lines | talctl encode --json\n\n"
       "Exit status: 0 done, 1 something was refused, 2 wrong use.\n"
       "`talctl COMMAND --help` shows a command's options and examples.");
 
@@ -103,13 +115,11 @@ int RunUnguarded(const std::vector<std::string>& arguments, const Streams& strea
     for (const Added& added : commands) {
       if (!added.app->parsed()) continue;
       const ExitStatus status = added.command->Run({options, separated.operands, streams});
-      if (streams.out.flush()) return status;
-      streams.err << "talctl: standard output cannot be written\n";
-      return kRefused;
+      return Flushed(streams, status);
     }
   } catch (const CLI::Success& help) {
     app.exit(help, streams.out, streams.err);
-    return kDone;
+    return Flushed(streams, kDone);
   } catch (const CLI::ParseError& error) {
     streams.err << "talctl: " << error.what() << "\nTry `talctl --help`, or `talctl COMMAND --help`.\n";
   } catch (const WrongUse& error) {

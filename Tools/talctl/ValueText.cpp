@@ -8,6 +8,7 @@
 #include <limits>
 
 #include "Cursor.h"
+#include "Quoted.h"
 
 namespace Talctl {
 namespace {
@@ -63,36 +64,60 @@ bool ReadBool(std::string_view text, bool& value) {
   return false;
 }
 
-/// A whole number, decimal or 0x..., with an optional sign, that fits @p Number. Nothing may follow.
-template <class Number>
-bool ReadWhole(std::string_view text, Number& number) {
+/// A number's sign and what follows it.
+struct Signed {
+  bool negative;
+  std::string_view magnitude;
+};
+Signed TakeSign(std::string_view text) {
   Cursor cursor(text);
   const bool negative = cursor.Word("-");
   if (!negative) cursor.Word("+");
+  return {negative, cursor.Rest()};
+}
+
+/// The whole of @p text as a number without sign, in the form that @p format names.
+template <class Number, class... Format>
+bool ReadAll(std::string_view text, Number& number, Format... format) {
+  const char* const end = text.data() + text.size();
+  if (text.empty() || text.front() == '-') return false;
+  const auto [stop, error] = std::from_chars(text.data(), end, number, format...);
+  return error == std::errc() && stop == end;
+}
+
+/// The whole of @p text as decimal or 0x... digits.
+bool ReadMagnitude(std::string_view text, std::uint64_t& magnitude) {
+  Cursor cursor(text);
   const int base = cursor.Word("0x") ? 16 : 10;
-  const std::string_view digits = cursor.Rest();
+  return ReadAll(cursor.Rest(), magnitude, base);
+}
+
+/// A whole number with an optional sign that fits @p Number. Nothing may follow.
+template <class Number>
+bool ReadWhole(std::string_view text, Number& number) {
+  const auto [negative, digits] = TakeSign(text);
   std::uint64_t magnitude;
-  const auto [stop, error] = std::from_chars(digits.data(), digits.data() + digits.size(), magnitude, base);
-  if (error != std::errc() || stop != digits.data() + digits.size() || magnitude > (std::uint64_t{1} << 32))
-    return false;
+  if (!ReadMagnitude(digits, magnitude) || magnitude > std::uint64_t{1} << 32) return false;
   const std::int64_t whole = negative ? -static_cast<std::int64_t>(magnitude) : static_cast<std::int64_t>(magnitude);
   if (whole < std::numeric_limits<Number>::min() || whole > std::numeric_limits<Number>::max()) return false;
   number = static_cast<Number>(whole);
   return true;
 }
 
+/// A number with an optional sign: decimal, 0x... for whole numbers, nan or inf.
 bool ReadFloat(std::string_view text, double& number) {
-  std::int32_t whole;
-  if (SameText(text.substr(0, 2), "0x") || SameText(text.substr(0, 3), "-0x")) {
-    if (!ReadWhole(text, whole)) return false;
-    number = whole;
-    return true;
+  const auto [negative, digits] = TakeSign(text);
+  std::uint64_t whole;
+  if (SameText(digits.substr(0, 2), "0x")) {
+    if (!ReadMagnitude(digits, whole)) return false;
+    number = static_cast<double>(whole);
+  } else {
+    const bool named = SameText(digits, "nan") || SameText(digits, "inf");
+    if (!named && digits.find_first_not_of("0123456789.eE+-") != digits.npos) return false;
+    if (!ReadAll(digits, number)) return false;
   }
-  if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
-  const bool named = SameText(text, "nan") || SameText(text, "inf") || SameText(text, "-inf");
-  if (!named && text.find_first_not_of("0123456789.eE+-") != text.npos) return false;
-  const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  return error == std::errc() && stop == text.data() + text.size();
+  if (negative) number = -number;
+  return true;
 }
 
 bool ReadClock(Cursor& cursor, AROTIME& time) {
@@ -210,7 +235,7 @@ bool ParseValue(std::string_view text, const Dpt& dpt, AROVALUE& value, std::str
   AROVALUE parsed;
   parsed.avt = Tal::KnxZelMapping::GetAvtFromDpt(static_cast<unsigned>(dpt.Number()));
   if (!ReadContent(text, dpt.main, parsed)) {
-    error = "'" + std::string(text) + "' is no value of " + FormatDpt(dpt) + ": expected " + Expectation(dpt);
+    error = Quoted(text) + " is no value of " + FormatDpt(dpt) + ": expected " + Expectation(dpt);
     return false;
   }
   value = std::move(parsed);

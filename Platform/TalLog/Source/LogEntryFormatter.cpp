@@ -6,7 +6,8 @@
 namespace Tal {
 
 std::string WithoutPrefixEnd(std::string text) {
-  for (std::size_t at = text.find(kPrefixEnd); at != std::string::npos; at = text.find(kPrefixEnd, at)) {
+  // From the start each time: what is put together may be one again ("  -  ").
+  for (std::size_t at = text.find(kPrefixEnd); at != std::string::npos; at = text.find(kPrefixEnd)) {
     text.replace(at, sizeof kPrefixEnd - 1, "-");
   }
   return text;

@@ -1,6 +1,7 @@
 #include <TalLog/Logger.h>
 #include <log4cplus/configurator.h>
 #include <log4cplus/consoleappender.h>
+#include <log4cplus/helpers/property.h>
 #include <log4cplus/layout.h>
 #include <log4cplus/spi/loggingevent.h>
 
@@ -37,7 +38,9 @@ void AddFallback(log4cplus::Logger logger) {
 
 log4cplus::Logger* MakeDefaultLogger() {
   auto* logger = new log4cplus::Logger(log4cplus::Logger::getInstance(kDefaultLoggerName));
-  logger->setLogLevel(log4cplus::WARN_LOG_LEVEL);
+  const bool isConfigured =
+      logger->getLogLevel() != log4cplus::NOT_SET_LOG_LEVEL || !log4cplus::Logger::getRoot().getAllAppenders().empty();
+  if (!isConfigured) logger->setLogLevel(log4cplus::WARN_LOG_LEVEL);
   AddFallback(*logger);
   return logger;
 }
@@ -49,11 +52,9 @@ bool HasConfiguredAppender(log4cplus::Logger logger) {
   return false;
 }
 
-std::string& Context() {
-  thread_local std::string context;
-  return context;
-}
-
+/// The text of the innermost context. A pointer, because a thread's objects with destructors are gone when static
+/// objects of the process log their last.
+thread_local const std::string* t_context = nullptr;
 thread_local unsigned t_recursionDepth = 0;
 
 }  // namespace
@@ -71,27 +72,39 @@ bool ConfigureLogging(const std::string& propertiesFile, std::string& reason) {
     reason = "log configuration '" + propertiesFile + "' is empty or cannot be read";
     return false;
   }
+  const log4cplus::helpers::Properties properties(file);
+  const auto namesAppender = [&](const std::string& key) {
+    return properties.getProperty("log4cplus." + key).find(',') != std::string::npos;
+  };
   log4cplus::Logger& logger = GetGlobalDefaultLogger();
-  logger.setLogLevel(log4cplus::NOT_SET_LOG_LEVEL);
-  log4cplus::PropertyConfigurator(file).configure();
-  const bool configured = HasConfiguredAppender(logger) || HasConfiguredAppender(log4cplus::Logger::getRoot());
-  if (!configured) {
-    logger.setLogLevel(log4cplus::WARN_LOG_LEVEL);
+  const bool namesForRoot = namesAppender("rootLogger");
+  const bool namesForDefault = namesAppender(std::string("logger.") + kDefaultLoggerName);
+  const int previousLevel = logger.getLogLevel();
+  if (namesForRoot || namesForDefault) {
+    logger.setLogLevel(log4cplus::NOT_SET_LOG_LEVEL);
+    log4cplus::PropertyConfigurator(properties).configure();
+    if ((namesForRoot && HasConfiguredAppender(log4cplus::Logger::getRoot())) ||
+        (namesForDefault && HasConfiguredAppender(logger))) {
+      return true;
+    }
+    logger.setLogLevel(previousLevel);
     AddFallback(logger);
-    reason = "log configuration '" + propertiesFile +
-             "' names no usable appender for log4cplus.rootLogger or "
-             "log4cplus.logger." +
-             kDefaultLoggerName;
   }
-  return configured;
+  reason = "log configuration '" + propertiesFile +
+           "' names no usable appender for log4cplus.rootLogger or log4cplus.logger." + kDefaultLoggerName;
+  return false;
 }
 
-const std::string& GetLoggingContext() { return Context(); }
-
-ScopedLoggingContext::ScopedLoggingContext(const std::string& name) : m_previous(Context()) {
-  Context() = name.empty() ? std::string() : "[" + WithoutPrefixEnd(name) + "] ";
+const std::string& GetLoggingContext() {
+  static const std::string* const none = new std::string;
+  return t_context != nullptr ? *t_context : *none;
 }
-ScopedLoggingContext::~ScopedLoggingContext() { Context().swap(m_previous); }
+
+ScopedLoggingContext::ScopedLoggingContext(const std::string& name)
+    : m_text(name.empty() ? std::string() : "[" + WithoutPrefixEnd(name) + "] "), m_previous(t_context) {
+  t_context = &m_text;
+}
+ScopedLoggingContext::~ScopedLoggingContext() { t_context = m_previous; }
 
 LoggingRecursionScope::LoggingRecursionScope() { ++t_recursionDepth; }
 LoggingRecursionScope::~LoggingRecursionScope() { --t_recursionDepth; }

@@ -42,7 +42,7 @@ struct AROTIME {
 
   /// The fields as they stand (year − 1900, month − 1, daylight saving unknown); nothing is normalised, so month 0
   /// gives -1.
-  BASEPLATFORM_EXPORT explicit operator std::tm() const noexcept;
+  BASEPLATFORM_EXPORT operator std::tm() const noexcept;
 
   /// Takes date, time and weekday of a time point, in seconds since 1970-01-01 00:00 UTC, in local time; the carried
   /// fields stay. A time point that the machine's calendar or the year field cannot hold clears every field.

@@ -15,11 +15,12 @@ enum class LogLevel : int { Debug = 10000, Info = 20000, Warn = 30000, Error = 4
 constexpr char kDefaultLoggerName[] = "tal";
 
 /// The logger that every record of these libraries goes to. Usable from any thread at any time, also before `main` and
-/// without any configuration: then its level is WARN and its records go to standard error. As soon as the logger or the
-/// root logger has an appender of the application's own, standard error is left alone.
+/// after it, and without any configuration: then its level is WARN and its records go to standard error. As soon as the
+/// logger or the root logger has an appender of the application's own, standard error is left alone.
 ///
-/// An application that configures log4cplus by itself sets the level of the logger "tal"; it does not inherit the
-/// root's level until it is given NOT_SET_LOG_LEVEL (ConfigureLogging() does that).
+/// An application that configures log4cplus by itself, before the first record, decides the level of the logger "tal"
+/// or lets it inherit the root's. Later the level stays WARN until "tal" is given another one, or NOT_SET_LOG_LEVEL to
+/// inherit; ConfigureLogging() sees to that.
 TALLOG_EXPORT log4cplus::Logger& GetGlobalDefaultLogger();
 
 /// True when a record of @p level would be written. Ask before building a costly text.
@@ -29,7 +30,7 @@ TALLOG_EXPORT bool IsLogEnabled(LogLevel level);
 ///
 /// @param reason  what is wrong, in one line, when the result is false: the file cannot be read, or names no appender
 ///                for the root logger or for "tal" (log4cplus reports details of broken properties on standard error).
-/// @return        false: the default logger writes warnings and errors to standard error as before.
+/// @return        false: the default logger keeps its level; a file that names no appender at all changes nothing else.
 ///
 /// Call it from one thread, while no other thread logs.
 TALLOG_EXPORT bool ConfigureLogging(const std::string& propertiesFile, std::string& reason);
@@ -47,7 +48,8 @@ class TALLOG_EXPORT ScopedLoggingContext {
   ScopedLoggingContext& operator=(const ScopedLoggingContext&) = delete;
 
  private:
-  std::string m_previous;
+  const std::string m_text;
+  const std::string* const m_previous;
 };
 
 /// Indents the calling thread's records by two blanks while this object lives; scopes nest.
