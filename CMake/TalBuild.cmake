@@ -31,6 +31,8 @@ function(tal_shared_library name)
   target_include_directories(${name} PUBLIC
     $<BUILD_INTERFACE:${ARG_INCLUDE}> $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/Generated>)
   target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE} $<BUILD_INTERFACE:tal_build>)
+  # Objects handed to log4cplus outlive a plug-in that brought the library along: once loaded it stays.
+  target_link_options(${name} PRIVATE -Wl,-z,nodelete)
   if(NOT TAL_SANITIZE)  # a sanitizer's run-time may stand in the program only
     set(map ${PROJECT_SOURCE_DIR}/CMake/Exports.map)
     target_link_options(${name} PRIVATE -Wl,--no-undefined -Wl,--version-script=${map})

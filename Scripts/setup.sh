@@ -8,12 +8,25 @@ build_packages=(build-essential cmake ninja-build libboost-date-time-dev libboos
   libboost-system-dev liblog4cplus-dev libutfcpp-dev libcli11-dev nlohmann-json3-dev)
 test_packages=(libgtest-dev libgmock-dev locales tzdata)
 
+# One set-up or build at a time: others wait for it. The lock ends with unlock, or with the process.
+lock() {
+  mkdir -p "$root/build" 2>/dev/null && exec 9>>"$root/build/.lock" || return 0  # a read-only tree that is built will do
+  flock -n 9 || { say "waiting for another set-up or build in $root"; flock 9; }
+}
+unlock() { exec 9>&-; }
+
+# Says whether a package is installed for this machine's architecture.
+is_installed() {
+  dpkg-query -W -f='${Architecture} ${db:Status-Status}\n' "$1" 2>/dev/null |
+    grep -qxE "(all|$(dpkg --print-architecture)) installed"
+}
+
 # Installs those of the named packages that are missing, and says so; fails with one line when one cannot be had.
 need_packages() {
   command -v dpkg-query >/dev/null || { say "no Debian packages here: taking for granted that these are there: $*"; return; }
   local missing=() package
   for package in "$@"; do
-    [ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing+=("$package")
+    is_installed "$package" || missing+=("$package")
   done
   [ ${#missing[@]} -gt 0 ] || return 0
 
@@ -26,17 +39,22 @@ need_packages() {
   local log=$root/build/setup.log
   local apt=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -y)
   say "installing packages: ${missing[*]}"
-  "${apt[@]}" install --no-install-recommends "${missing[@]}" >"$log" 2>&1 && return
-  { "${apt[@]}" update && "${apt[@]}" install --no-install-recommends "${missing[@]}"; } >"$log" 2>&1 && return
-  die "cannot install the packages ${missing[*]}: $(grep -m1 '^E: ' "$log" || tail -n1 "$log") (all of it: $log)"
+  "${apt[@]}" install --no-install-recommends "${missing[@]}" >"$log" 2>&1 </dev/null && return
+  { "${apt[@]}" update && "${apt[@]}" install --no-install-recommends "${missing[@]}"; } >"$log" 2>&1 </dev/null && return
+  local reason
+  reason=$(grep -m1 '^E: ' "$log" || tail -n1 "$log")
+  die "cannot install the packages ${missing[*]}: ${reason:-apt-get failed} (all of it: $log)"
 }
 
 # Configures and builds a preset; silent when there is nothing to do.
 build_preset() {
-  local preset=$1 tree=$root/build/$1
-  if [ ! -f "$tree/build.ninja" ]; then
+  local preset=$1 tree=$root/build/$1 fresh=()
+  if [ -f "$tree/CMakeCache.txt" ] && ! grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$root" "$tree/CMakeCache.txt"; then
+    fresh=(--fresh)  # the tree was copied or moved
+  fi
+  if [ ! -f "$tree/build.ninja" ] || [ ${#fresh[@]} -gt 0 ]; then
     say "configuring build/$preset"
-    (cd "$root" && cmake --preset "$preset") >&2 || die "cannot configure the preset '$preset'"
+    (cd "$root" && cmake "${fresh[@]}" --preset "$preset") >&2 || die "cannot configure the preset '$preset'"
   fi
   ninja -C "$tree" -n 2>/dev/null | grep -q 'no work to do' && return
   say "building build/$preset"

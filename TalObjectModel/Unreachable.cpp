@@ -14,7 +14,7 @@ constexpr int kEmptyOptionalLine = 45;
 
 }  // namespace
 
-void ReportUnreachable(const CallSite& site) {
+void ReportUnreachable(const CallSite& site) noexcept {
   TAL_LOG_AT(Fatal, site) << "This statement should not be executed. There is a bug somewhere around "
                           << WithoutExtension(site.file) << ':' << site.line;
   std::terminate();

@@ -6,6 +6,6 @@
 namespace Tal {
 
 /// Logs at FATAL that the place @p site was reached, which must not happen, and calls std::terminate().
-[[noreturn]] void ReportUnreachable(const CallSite& site);
+[[noreturn]] void ReportUnreachable(const CallSite& site) noexcept;
 
 }  // namespace Tal

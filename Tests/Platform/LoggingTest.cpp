@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <log4cplus/configurator.h>
 
+#include <unistd.h>
+
 #include <cstdio>
 #include <fstream>
 #include <thread>
@@ -18,6 +20,9 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 
 constexpr CallSite kSite{"ToKnxValue", "bool Tal::ToKnxValue(int)", "TalObjectModel/Knx.Converter.cpp", 123};
+
+/// A file of this process's own.
+std::string Temporary(const std::string& name) { return testing::TempDir() + std::to_string(::getpid()) + name; }
 
 TEST(Logging, ARecordCarriesLevelTextFunctionAndSource) {
   ScopedLogCapture log;
@@ -99,10 +104,14 @@ TEST(Logging, AnUnusableConfigurationIsRefusedAndChangesNothing) {
   EXPECT_THAT(reason, HasSubstr("cannot be read"));
   EXPECT_FALSE(ConfigureLogging("/", reason));
   EXPECT_THAT(reason, HasSubstr("cannot be read"));
-  const std::string path = testing::TempDir() + "broken.properties";
+  const std::string path = Temporary("broken.properties");
   std::ofstream(path) << "log4cplus.logger.tal=DEBUG\n";
   EXPECT_FALSE(ConfigureLogging(path, reason));
   EXPECT_THAT(reason, HasSubstr("no usable appender"));
+  std::ofstream(path) << "log4cplus.rootLogger=LOUD, A\nlog4cplus.appender.A=log4cplus::NullAppender\n";
+  EXPECT_FALSE(ConfigureLogging(path, reason));
+  EXPECT_THAT(reason, HasSubstr("no valid level"));
+  log4cplus::Logger::getRoot().removeAllAppenders();
   std::remove(path.c_str());
   EXPECT_FALSE(IsLogEnabled(LogLevel::Info));
   testing::internal::CaptureStderr();
@@ -112,7 +121,7 @@ TEST(Logging, AnUnusableConfigurationIsRefusedAndChangesNothing) {
 
 // In processes of their own: a configuration lasts as long as its process.
 TEST(LoggingDeathTest, APropertiesFileDecidesLevelAndPlace) {
-  const std::string path = testing::TempDir() + "good.properties";
+  const std::string path = Temporary("good.properties");
   const std::string appender =
       "log4cplus.appender.ERR=log4cplus::ConsoleAppender\nlog4cplus.appender.ERR.logToStdErr=true\n"
       "log4cplus.appender.ERR.layout=log4cplus::PatternLayout\n"

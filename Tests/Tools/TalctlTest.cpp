@@ -35,7 +35,7 @@ TEST(TalctlEncode, PrintsTheOctetsOfOneValue) {
   // clang-format off
   const Pair cases[] = {
       {"9.001|21", "0C1A"}, {"9.1|-30", "8A24"}, {"9|-.5", "87CE"}, {"9.x|+21", "0C1A"}, {"dpst-9-1|NaN", "7FFF"},
-      {"DPT-14|-inf", "FF800000"}, {"9.001|0x15", "0C1A"}, {"9.001|2.1e1", "0C1A"}, {"14.001|-0x80000000", "CF000000"}, {"1.001|On", "01"},
+      {"DPT-14|-inf", "FF800000"}, {"9.001|0x15", "0C1A"}, {"9.001|2.1e1", "0C1A"}, {"14.001|-0x80000000", "CF000000"}, {"14.001|-1e-400", "80000000"}, {"14.001|0.00001e-99999999999999999999", "00000000"}, {"1.001|On", "01"},
       {"5.001|0xfF", "FF"}, {"6.001|-128", "80"}, {"6.001|255", "FF"}, {"8.001|-0x10", "FFF0"},
       {"13.001|-2147483648", "80000000"}, {"12.001|4294967295", "FFFFFFFF"}, {"10.001|Sun 23:59:59", "F73B3B"},
       {"10.001|mon|7:05:00", "270500"}, {"11.001|1990-01-01", "01015A"}, {"232.600|#123456", "123456"},
@@ -69,6 +69,7 @@ TEST(TalctlEncode, RefusesOnStandardErrorWithTheReasonAndWhatToDo) {
       {"14.056|infinity", "'infinity' is no value of 14.056: " + float32},
       {"14.056|0x1p3", "'0x1p3' is no value of 14.056: " + float32},
       {"14.056|+-1", "'+-1' is no value of 14.056: " + float32},
+      {"14.056|1e-400x", "'1e-400x' is no value of 14.056: " + float32},
       {"14.056|1e999", "'1e999' is no value of 14.056: " + float32},
       {"5.001|256", "'256' is no value of 5.001: " + byte},
       {"5.001|1x", "'1x' is no value of 5.001: " + byte},
@@ -91,6 +92,10 @@ TEST(TalctlEncode, RefusesOnStandardErrorWithTheReasonAndWhatToDo) {
        "Value type 300 not supported (dwDPT=19660801 with value='avt: 1, ToString(): '): 300.x is not "
        "known; `talctl dpts` lists what is"},
       {"5.001|1\n\x1B[2J", "'1\\n\\x1B[2J' is no value of 5.001: " + byte},
+      {"5.001|"
+       "x1234567890123456789012345678901234567890123456789012345678901234567890123456789\u00E9y",
+       "'x1234567890123456789012345678901234567890123456789012345678901234567890123456789...' is no value of 5.001: " +
+           byte},
       {"9.01y|1", "'9.01y' is not a datapoint type: " + dpt},
       {"65536.1|1", "'65536.1' is not a datapoint type: " + dpt},
   };
@@ -119,8 +124,41 @@ TEST(TalctlEncode, AnswersEveryLineInOrder) {
 
 TEST(TalctlEncode, BoundsTheLengthOfALineAndGoesOn) {
   const std::string longest = "16.001 " + std::string(65536 - 7, 'x');
-  const Outcome outcome = RunWith("encode", longest + "\n" + longest + "x\n1.001 on\n");
-  EXPECT_EQ(outcome.out, "7878787878787878787878787878\nerror: the line is longer than 65536 bytes\n01\n");
+  const std::string tooLong = "error: the line is longer than 65536 bytes\n";
+  const std::string comment = "#" + std::string(70000, 'x') + "\n";
+  const std::string blank = std::string(70000, ' ') + "9.001 21\n";
+  const Outcome outcome = RunWith("encode", longest + "\n" + longest + "x\n" + comment + blank + "1.001 on\n");
+  EXPECT_EQ(outcome.out, "7878787878787878787878787878\n" + tooLong + tooLong + "01\n");
+}
+
+/// Gives out its text in pieces, and notes what had been answered when each piece was asked for.
+class Conversation final : public std::streambuf {
+ public:
+  explicit Conversation(std::vector<std::string> pieces) : m_pieces(std::move(pieces)) {}
+  std::ostringstream m_out;
+  std::vector<std::string> m_answers;
+
+ protected:
+  int_type underflow() override {
+    m_answers.push_back(m_out.str());
+    m_out.str("");
+    if (m_next == m_pieces.size()) return traits_type::eof();
+    std::string& piece = m_pieces[m_next++];
+    setg(piece.data(), piece.data(), piece.data() + piece.size());
+    return traits_type::to_int_type(piece[0]);
+  }
+
+ private:
+  std::vector<std::string> m_pieces;
+  std::size_t m_next = 0;
+};
+
+TEST(TalctlEncode, AnswersBeforeItWaits) {
+  Conversation conversation({"1.001 on\n\n", "# x\n1.001 off\n1.001 ", "on\n"});
+  std::istream in(&conversation);
+  std::ostringstream err;
+  EXPECT_EQ(Talctl::Run({"encode"}, {in, conversation.m_out, err}), 0);
+  EXPECT_THAT(conversation.m_answers, testing::ElementsAre("", "01\n", "00\n", "01\n"));
 }
 
 TEST(TalctlEncode, WritesOneJsonObjectALineOfTheValuesKind) {
@@ -156,20 +194,23 @@ TEST(TalctlEncode, ShowsLogRecordsOnlyWhenAskedTo) {
 }
 
 TEST(Talctl, TellsWrongUseFromRefusal) {
-  const Pair cases[] = {{"", "A subcommand is required"},
-                        {"encoed|9.1|1", "there is no command 'encoed': expected one of encode, dpts, id, demo"},
-                        {"encode|9.1", "VALUE is missing"},
-                        {"encode|9.1|1|--jsn", "--jsn"},
-                        {"encode|-x|9.1|1", "-x"},
-                        {"encode|9.1|1|--log-level|loud", "--log-level"},
-                        {"id", "expected NUMBER..."},
-                        {"id|--co|1", "--device is missing"},
-                        {"id|--device|3|--co|1", "--device"},
-                        {"id|--device|1", "exactly one of"},
-                        {"id|--device|1|--co|1|--app-control|state", "exactly one of"},
-                        {"id|--device|1|--co|1|1000", "not both"},
-                        {"id|--device|1|--parameter|foo:1", "ip:N, number:N or text:N"},
-                        {"demo|x", "no operands"}};
+  const Pair cases[] = {
+      {"", "a command is missing: expected encode, dpts, id, demo"},
+      {"encoed|9.1|1", "there is no command 'encoed': expected encode, dpts, id, demo"},
+      {"encode|9.1", "VALUE is missing"},
+      {"encode|9.1|1|--jsn", "there is no option '--jsn'; a value that looks like an option goes behind --"},
+      {"--jsn", "there is no option '--jsn' before the command"},
+      {"encode|--\x1B[31m", "'--\\x1B[31m'"},
+      {"encode|-x|9.1|1", "-x"},
+      {"encode|9.1|1|--log-level|loud", "--log-level"},
+      {"id", "expected NUMBER..."},
+      {"id|--co|1", "--device is missing"},
+      {"id|--device|3|--co|1", "--device"},
+      {"id|--device|1", "exactly one of"},
+      {"id|--device|1|--co|1|--app-control|state", "exactly one of"},
+      {"id|--device|1|--co|1|1000", "not both"},
+      {"id|--device|1|--parameter|foo:1", "ip:N, number:N or text:N"},
+      {"demo|x", "no operands"}};
   for (const auto& [arguments, reason] : cases) {
     const Outcome outcome = RunWith(arguments);
     EXPECT_EQ(outcome.status, 2) << arguments;
@@ -267,8 +308,12 @@ TEST(TalctlId, ComputesIdentifiers) {
        "281000      channel of text parameter 500 of logical device 2\n"
        "281001      value of text parameter 500 of logical device 2\n"},
       {"2|--app-control|app-debug", "200024      app host control: app debug of logical device 2\n"},
-      {"1|--co|0", "error: there is no communication object 0: expected a number from 1 to 4095\n"},
-      {"1|--co|4096", "error: there is no communication object 4096: expected a number from 1 to 4095\n"},
+      {"1|--co|0", "error: there is no communication object '0': expected a number from 1 to 4095\n"},
+      {"1|--co|010",
+       "100118      channel of communication object 10 of logical device 1\n"
+       "100119      value of communication object 10 of logical device 1\n"},
+      {"1|--co|", "error: there is no communication object '': expected a number from 1 to 4095\n"},
+      {"1|--co|4096", "error: there is no communication object '4096': expected a number from 1 to 4095\n"},
       {"1|--parameter|ip:101", "error: there is no parameter 'ip:101': expected a number from 0 to 100\n"},
       {"1|--parameter|text:5x", "error: there is no parameter 'text:5x': expected a number from 0 to 500\n"}};
   for (const auto& [options, text] : cases) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 
 #include "Command.h"
 
@@ -28,10 +29,10 @@ class IdCommand final : public Command {
   ExitStatus Run(const Invocation& invocation) override;
 
  private:
-  std::optional<int> m_device;
-  std::optional<unsigned short> m_co;
-  std::string m_parameter;
-  std::string m_appControl;
+  std::optional<std::string> m_device;
+  std::optional<std::string> m_co;
+  std::optional<std::string> m_parameter;
+  std::optional<std::string> m_appControl;
 };
 
 /// `demo`: the embedded day of a house through `encode`, as a table, compared with what must come out.

@@ -37,17 +37,18 @@ ExitStatus EncodeOperands(const Invocation& invocation, ReasonLog& log) {
   return encoding.groupValue ? kDone : kRefused;
 }
 
-bool IsSkipped(std::string_view line) {
+/// Blank lines and comments. Of a line that is too long only the beginning is known, so it may not be blank.
+bool IsSkipped(std::string_view line, bool isCut) {
   const std::size_t first = line.find_first_not_of(" \t");
-  return first == line.npos || line[first] == '#';
+  return first == line.npos ? !isCut : line[first] == '#';
 }
 
 ExitStatus EncodeLines(const Invocation& invocation, ReasonLog& log) {
   const auto& [in, out, err] = invocation.streams;
-  LineReader lines(in);
+  LineReader lines(in, [&out = out] { out.flush(); });
   ExitStatus status = kDone;
   while (lines.Next()) {
-    if (IsSkipped(lines.Text())) continue;
+    if (IsSkipped(lines.Text(), lines.TooLong())) continue;
     Encoding encoding;
     if (lines.TooLong()) {
       encoding.error = "the line is longer than " + std::to_string(LineReader::kMaxLength) + " bytes";
@@ -56,7 +57,6 @@ ExitStatus EncodeLines(const Invocation& invocation, ReasonLog& log) {
     }
     if (!encoding.groupValue) status = kRefused;
     out << (invocation.options.json ? Line(encoding.ToJson(lines.Number())) : encoding.Answer() + '\n');
-    if (lines.Pauses()) out.flush();
     if (!out) return kRefused;
   }
   if (!lines.Failed()) return status;

@@ -122,11 +122,14 @@ ExitStatus ExplainAll(const Invocation& invocation) {
   return status;
 }
 
-ExitStatus PrintCo(const Invocation& invocation, LogicalDeviceId dev, unsigned short co) {
-  const auto value = GetCoValueObjModelId(co, dev);
-  if (!value)
+ExitStatus PrintCo(const Invocation& invocation, LogicalDeviceId dev, const std::string& text) {
+  Cursor cursor(text);
+  unsigned short co = 0;
+  const auto value = cursor.Number(co) && cursor.AtEnd() ? GetCoValueObjModelId(co, dev) : boost::optional<ObjectId>();
+  if (!value) {
     return Refuse(invocation,
-                  "there is no communication object " + std::to_string(co) + ": expected a number from 1 to 4095");
+                  "there is no communication object " + Quoted(text) + ": expected a number from 1 to 4095");
+  }
   PrintChannelAndValue(invocation, *GetCoChannelObjModelId(co, dev), *value);
   return kDone;
 }
@@ -155,7 +158,7 @@ CLI::App* IdCommand::AddTo(CLI::App& app) {
   SetHelp(*command,
           {"NUMBER...", "--device D --co N", "--device D --parameter TYPE:N", "--device D --app-control WHAT"},
           "Explains identifiers, or computes them for a logical device.");
-  command->add_option("--device", m_device, "Logical device, 1 or 2")->type_name("D")->check(CLI::Range(1, 2));
+  command->add_option("--device", m_device, "Logical device, 1 or 2")->type_name("D")->check(CLI::IsMember({"1", "2"}));
   command->add_option("--co", m_co, "Communication object, 1 to 4095")->type_name("N");
   command->add_option("--parameter", m_parameter, "Application parameter: ip:N, number:N or text:N")
       ->type_name("TYPE:N");
@@ -171,7 +174,7 @@ CLI::App* IdCommand::AddTo(CLI::App& app) {
 }
 
 ExitStatus IdCommand::Run(const Invocation& invocation) {
-  const int computed = (m_co ? 1 : 0) + (m_parameter.empty() ? 0 : 1) + (m_appControl.empty() ? 0 : 1);
+  const int computed = (m_co ? 1 : 0) + (m_parameter ? 1 : 0) + (m_appControl ? 1 : 0);
   if (computed == 0 && !m_device) {
     if (invocation.operands.empty()) throw WrongUse("expected NUMBER..., or --device with what to compute");
     return ExplainAll(invocation);
@@ -180,11 +183,11 @@ ExitStatus IdCommand::Run(const Invocation& invocation) {
   if (!m_device) throw WrongUse("--device is missing: expected --device 1 or --device 2");
   if (computed != 1) throw WrongUse("--device needs exactly one of --co, --parameter and --app-control");
 
-  const LogicalDeviceId dev = *LogicalDeviceId::Create(*m_device);
+  const LogicalDeviceId dev = *m_device == "1" ? LogicalDeviceId::Of<1>() : LogicalDeviceId::Of<2>();
   if (m_co) return PrintCo(invocation, dev, *m_co);
-  if (!m_parameter.empty()) return PrintParameter(invocation, dev, m_parameter);
+  if (m_parameter) return PrintParameter(invocation, dev, *m_parameter);
   for (const AppControlKind& kind : kAppControlKinds) {
-    if (m_appControl == kind.name) Print(invocation, std::to_string(kind.idOf(dev)), Explain(kind.idOf(dev)));
+    if (*m_appControl == kind.name) Print(invocation, std::to_string(kind.idOf(dev)), Explain(kind.idOf(dev)));
   }
   return kDone;
 }

@@ -1,6 +1,7 @@
 // Lines of a stream, of bounded length.
 #pragma once
 
+#include <functional>
 #include <istream>
 #include <string_view>
 #include <vector>
@@ -12,7 +13,9 @@ class LineReader {
  public:
   static constexpr std::size_t kMaxLength = 65536;
 
-  explicit LineReader(std::istream& in) : m_in(in), m_buffer(kMaxLength + 1) {}
+  /// @param beforeWaiting  called before reading on may have to wait: the time to flush answers.
+  LineReader(std::istream& in, std::function<void()> beforeWaiting)
+      : m_in(in), m_beforeWaiting(std::move(beforeWaiting)), m_buffer(kMaxLength + 1) {}
 
   /// The next line; false at the end, or when the stream cannot be read (Failed()).
   bool Next();
@@ -23,12 +26,15 @@ class LineReader {
   /// The line was longer than kMaxLength bytes; Text() is its beginning, the rest is skipped.
   bool TooLong() const { return m_tooLong; }
   bool Failed() const { return m_in.bad(); }
-  /// True when reading on may have to wait: the time to flush answers.
-  bool Pauses() const { return m_in.rdbuf()->in_avail() <= 0; }
 
  private:
+  bool Fill();
+
   std::istream& m_in;
+  std::function<void()> m_beforeWaiting;
   std::vector<char> m_buffer;
+  std::size_t m_begin = 0;  ///< what was read and not yet given out
+  std::size_t m_end = 0;
   std::string_view m_text;
   unsigned long m_number = 0;
   bool m_tooLong = false;

@@ -8,13 +8,20 @@
 
 namespace Talctl {
 
-/// @p text in single quotes on one line: control characters as escapes, a long text cut.
-inline std::string Quoted(std::string_view text) {
-  constexpr std::size_t kShown = 80;
+/// @p text as valid UTF-8 on one line, control characters as escapes.
+inline std::string OneLine(std::string_view text) {
   AROVALUE shown;
   shown.avt = avtString;
-  shown.text = text.substr(0, kShown);
-  return "'" + shown.ToString() + (text.size() > kShown ? "...'" : "'");
+  shown.text = AROVALUE::EnsureUTF8(std::string(text));
+  return shown.ToString();
+}
+
+/// The same in single quotes; a long text is cut.
+inline std::string Quoted(std::string_view text) {
+  std::size_t shown = 80;
+  if (text.size() <= shown) return "'" + OneLine(text) + "'";
+  while (shown > 0 && (text[shown] & 0xC0) == 0x80) --shown;  // between characters
+  return "'" + OneLine(text.substr(0, shown)) + "...'";
 }
 
 }  // namespace Talctl

@@ -6,6 +6,7 @@
 #include <ostream>
 
 #include "Commands.h"
+#include "Quoted.h"
 
 namespace Talctl {
 namespace {
@@ -21,14 +22,22 @@ struct Arguments {
   std::vector<std::string> operands;
 };
 
+std::vector<const CLI::App*> CommandsOf(const CLI::App& app) {
+  return app.get_subcommands([](const CLI::App*) { return true; });
+}
+
+std::string NamesOf(const CLI::App& app) {
+  std::string names;
+  for (const CLI::App* command : CommandsOf(app)) names += (names.empty() ? "" : ", ") + command->get_name();
+  return names;
+}
+
 /// The command of that name. @throws WrongUse when there is none.
 const CLI::App* FindCommand(const CLI::App& app, const std::string& name) {
-  std::string names;
-  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+  for (const CLI::App* command : CommandsOf(app)) {
     if (command->get_name() == name) return command;
-    names += (names.empty() ? "" : ", ") + command->get_name();
   }
-  throw WrongUse("there is no command '" + name + "': expected one of " + names);
+  throw WrongUse("there is no command " + Quoted(name) + ": expected " + NamesOf(app));
 }
 
 /// Sets operands apart before CLI11 sees the line, because a value may begin with a minus ("-30", "-inf", "-text") or
@@ -54,9 +63,14 @@ Arguments Separate(const CLI::App& app, const std::vector<std::string>& argument
     const bool isLong = argument.rfind("--", 0) == 0;
     const bool startsWithMinus = argument.size() > 1 && argument[0] == '-';
     const bool isNumber = startsWithMinus && argument.find_first_of("0123456789") == 1;
-    if (isLong || option != nullptr || (startsWithMinus && !isNumber && separated.operands.empty())) {
+    const bool isOption = isLong || option != nullptr || (startsWithMinus && !isNumber && separated.operands.empty());
+    if (isOption && option == nullptr) {
+      throw WrongUse("there is no option " + Quoted(name) + (command == nullptr ? " before the command" : "") +
+                     "; a value that looks like an option goes behind --");
+    }
+    if (isOption) {
       separated.options.push_back(argument);
-      const bool takesValue = option != nullptr && option->get_expected_min() > 0 && name.size() == argument.size();
+      const bool takesValue = option->get_expected_min() > 0 && name.size() == argument.size();
       if (takesValue && i + 1 < arguments.size()) separated.options.push_back(arguments[++i]);
     } else {
       separated.operands.push_back(argument);
@@ -75,7 +89,6 @@ ExitStatus Flushed(const Streams& streams, ExitStatus status) {
 int RunUnguarded(const std::vector<std::string>& arguments, const Streams& streams) {
   CLI::App app("Looks at KNX values and object-model identifiers through libtalobjectmodel.", "talctl");
   CommonOptions options;
-  app.require_subcommand(1);
   app.fallthrough();
   app.set_version_flag("--version", std::string("talctl ") + TALCTL_VERSION);
   app.add_flag("--json", options.json, "Print one JSON object a line");
@@ -117,13 +130,14 @@ int RunUnguarded(const std::vector<std::string>& arguments, const Streams& strea
       const ExitStatus status = added.command->Run({options, separated.operands, streams});
       return Flushed(streams, status);
     }
+    throw WrongUse("a command is missing: expected " + NamesOf(app));
   } catch (const CLI::Success& help) {
     app.exit(help, streams.out, streams.err);
     return Flushed(streams, kDone);
   } catch (const CLI::ParseError& error) {
-    streams.err << "talctl: " << error.what() << "\nTry `talctl --help`, or `talctl COMMAND --help`.\n";
+    streams.err << "talctl: " << OneLine(error.what()) << "\nTry `talctl --help`, or `talctl COMMAND --help`.\n";
   } catch (const WrongUse& error) {
-    streams.err << "talctl: " << error.what() << "\nTry `talctl --help`, or `talctl COMMAND --help`.\n";
+    streams.err << "talctl: " << OneLine(error.what()) << "\nTry `talctl --help`, or `talctl COMMAND --help`.\n";
   }
   return kWrongUse;
 }

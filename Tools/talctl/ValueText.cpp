@@ -3,6 +3,7 @@
 #include <Tal/KnxZelMapping.h>
 #include <Tal/TimeOfDay.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -76,20 +77,14 @@ Signed TakeSign(std::string_view text) {
   return {negative, cursor.Rest()};
 }
 
-/// The whole of @p text as a number without sign, in the form that @p format names.
-template <class Number, class... Format>
-bool ReadAll(std::string_view text, Number& number, Format... format) {
-  const char* const end = text.data() + text.size();
-  if (text.empty() || text.front() == '-') return false;
-  const auto [stop, error] = std::from_chars(text.data(), end, number, format...);
-  return error == std::errc() && stop == end;
-}
-
 /// The whole of @p text as decimal or 0x... digits.
 bool ReadMagnitude(std::string_view text, std::uint64_t& magnitude) {
   Cursor cursor(text);
   const int base = cursor.Word("0x") ? 16 : 10;
-  return ReadAll(cursor.Rest(), magnitude, base);
+  const std::string_view digits = cursor.Rest();
+  const char* const end = digits.data() + digits.size();
+  const auto [stop, error] = std::from_chars(digits.data(), end, magnitude, base);
+  return error == std::errc() && stop == end;
 }
 
 /// A whole number with an optional sign that fits @p Number. Nothing may follow.
@@ -104,7 +99,21 @@ bool ReadWhole(std::string_view text, Number& number) {
   return true;
 }
 
-/// A number with an optional sign: decimal, 0x... for whole numbers, nan or inf.
+/// True for a decimal number below 1, however small.
+bool IsBelowOne(std::string_view text) {
+  const std::size_t mark = std::min(text.find_first_of("eE"), text.size());
+  const std::string_view mantissa = text.substr(0, mark);
+  std::string_view exponentText = text.substr(std::min(mark + 1, text.size()));
+  if (!exponentText.empty() && exponentText.front() == '+') exponentText.remove_prefix(1);
+  std::int64_t exponent = 0;
+  const auto parsed = std::from_chars(exponentText.data(), exponentText.data() + exponentText.size(), exponent);
+  if (parsed.ec == std::errc::result_out_of_range) return exponentText.front() == '-';
+  const auto point = static_cast<std::int64_t>(std::min(mantissa.find('.'), mantissa.size()));
+  const auto digit = static_cast<std::int64_t>(std::min(mantissa.find_first_of("123456789"), mantissa.size()));
+  return exponent <= digit - point;
+}
+
+/// A number with an optional sign: decimal, 0x... for whole numbers, nan or inf. What is too small for a double is 0.
 bool ReadFloat(std::string_view text, double& number) {
   const auto [negative, digits] = TakeSign(text);
   std::uint64_t whole;
@@ -114,7 +123,15 @@ bool ReadFloat(std::string_view text, double& number) {
   } else {
     const bool named = SameText(digits, "nan") || SameText(digits, "inf");
     if (!named && digits.find_first_not_of("0123456789.eE+-") != digits.npos) return false;
-    if (!ReadAll(digits, number)) return false;
+    const char* const end = digits.data() + digits.size();
+    if (digits.empty() || digits.front() == '-') return false;
+    const auto [stop, error] = std::from_chars(digits.data(), end, number);
+    if (stop != end) return false;
+    if (error == std::errc::result_out_of_range && IsBelowOne(digits)) {
+      number = 0.0;
+    } else if (error != std::errc()) {
+      return false;
+    }
   }
   if (negative) number = -number;
   return true;

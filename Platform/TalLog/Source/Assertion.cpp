@@ -7,7 +7,7 @@
 
 namespace Tal {
 
-void AssertionFailed(const char* const* pieces) {
+void AssertionFailed(const char* const* pieces) noexcept {
   // Function, path and line are set apart; the rest is a sentence that carries its own blanks.
   static const char* const kBefore[] = {"", " ", ":"};
   std::string text;

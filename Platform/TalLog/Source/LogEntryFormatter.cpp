@@ -6,6 +6,9 @@
 namespace Tal {
 
 std::string WithoutPrefixEnd(std::string text) {
+  for (char& character : text) {
+    if (static_cast<unsigned char>(character) < ' ') character = ' ';  // a record is one line
+  }
   // From the start each time: what is put together may be one again ("  -  ").
   for (std::size_t at = text.find(kPrefixEnd); at != std::string::npos; at = text.find(kPrefixEnd)) {
     text.replace(at, sizeof kPrefixEnd - 1, "-");
@@ -14,8 +17,8 @@ std::string WithoutPrefixEnd(std::string text) {
 }
 
 std::ostream& operator<<(std::ostream& os, const PrettyFunctionNamePrinter& name) {
-  return os << name.shortName << '(' << WithoutPrefixEnd(std::string(WithoutExtension(name.file))) << ':' << name.line
-            << ')';
+  return os << name.shortName << '(' << WithoutPrefixEnd(std::string(WithoutExtension(name.file))) << ':'
+            << std::to_string(name.line) << ')';
 }
 
 std::ostream& operator<<(std::ostream& os, LoggingRecursionPadding) {

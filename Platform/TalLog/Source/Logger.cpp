@@ -25,10 +25,9 @@ class FallbackAppender final : public log4cplus::ConsoleAppender {
 
  protected:
   void append(const log4cplus::spi::InternalLoggingEvent& event) override {
-    if (log4cplus::Logger::getRoot().getAllAppenders().empty() &&
-        GetGlobalDefaultLogger().getAllAppenders().size() == 1) {
-      ConsoleAppender::append(event);
-    }
+    log4cplus::Logger& logger = GetGlobalDefaultLogger();
+    const bool rootListens = logger.getAdditivity() && !log4cplus::Logger::getRoot().getAllAppenders().empty();
+    if (!rootListens && logger.getAllAppenders().size() == 1) ConsoleAppender::append(event);
   }
 };
 
@@ -64,12 +63,19 @@ log4cplus::Logger& GetGlobalDefaultLogger() {
   return *logger;
 }
 
-bool IsLogEnabled(LogLevel level) { return GetGlobalDefaultLogger().isEnabledFor(static_cast<int>(level)); }
+bool IsLogEnabled(LogLevel level) noexcept {
+  try {
+    return GetGlobalDefaultLogger().isEnabledFor(static_cast<int>(level));
+  } catch (...) {  // log4cplus throws when neither the logger nor the root has a level
+    return level >= LogLevel::Warn;
+  }
+}
 
 bool ConfigureLogging(const std::string& propertiesFile, std::string& reason) {
+  const std::string subject = "log configuration '" + propertiesFile + "' ";
   std::ifstream file(propertiesFile);
   if (!file || file.peek() == std::ifstream::traits_type::eof()) {
-    reason = "log configuration '" + propertiesFile + "' is empty or cannot be read";
+    reason = subject + "is empty or cannot be read";
     return false;
   }
   const log4cplus::helpers::Properties properties(file);
@@ -77,21 +83,27 @@ bool ConfigureLogging(const std::string& propertiesFile, std::string& reason) {
     return properties.getProperty("log4cplus." + key).find(',') != std::string::npos;
   };
   log4cplus::Logger& logger = GetGlobalDefaultLogger();
+  log4cplus::Logger root = log4cplus::Logger::getRoot();
   const bool namesForRoot = namesAppender("rootLogger");
   const bool namesForDefault = namesAppender(std::string("logger.") + kDefaultLoggerName);
+  reason = subject + "names no usable appender for log4cplus.rootLogger or log4cplus.logger." + kDefaultLoggerName;
+  if (!namesForRoot && !namesForDefault) return false;
+
   const int previousLevel = logger.getLogLevel();
-  if (namesForRoot || namesForDefault) {
-    logger.setLogLevel(log4cplus::NOT_SET_LOG_LEVEL);
-    log4cplus::PropertyConfigurator(properties).configure();
-    if ((namesForRoot && HasConfiguredAppender(log4cplus::Logger::getRoot())) ||
-        (namesForDefault && HasConfiguredAppender(logger))) {
-      return true;
-    }
-    logger.setLogLevel(previousLevel);
-    AddFallback(logger);
+  const int previousRootLevel = root.getLogLevel();
+  logger.setLogLevel(log4cplus::NOT_SET_LOG_LEVEL);
+  log4cplus::PropertyConfigurator(properties).configure();
+  const bool rootListens = namesForRoot && logger.getAdditivity() && HasConfiguredAppender(root);
+  if (root.getLogLevel() == log4cplus::NOT_SET_LOG_LEVEL) {
+    reason =
+        subject + "gives log4cplus.rootLogger no valid level: expected TRACE, DEBUG, INFO, WARN, ERROR, FATAL or OFF";
+    root.setLogLevel(previousRootLevel);
+  } else if (rootListens || (namesForDefault && HasConfiguredAppender(logger))) {
+    reason.clear();
+    return true;
   }
-  reason = "log configuration '" + propertiesFile +
-           "' names no usable appender for log4cplus.rootLogger or log4cplus.logger." + kDefaultLoggerName;
+  logger.setLogLevel(previousLevel);
+  AddFallback(logger);
   return false;
 }
 

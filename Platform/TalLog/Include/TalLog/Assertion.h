@@ -8,7 +8,7 @@ namespace Tal {
 
 /// Writes a failed assertion to standard error and, at FATAL, to the default logger, then calls std::terminate().
 /// @param pieces  null-terminated: function name, source path, line as text, and the rest of the sentence in pieces.
-[[noreturn]] TALLOG_EXPORT void AssertionFailed(const char* const* pieces);
+[[noreturn]] TALLOG_EXPORT void AssertionFailed(const char* const* pieces) noexcept;
 
 }  // namespace Tal
 

@@ -14,9 +14,9 @@ enum class LogLevel : int { Debug = 10000, Info = 20000, Warn = 30000, Error = 4
 /// Name of the default logger, as configuration files name it: `log4cplus.logger.tal=DEBUG, ...`.
 constexpr char kDefaultLoggerName[] = "tal";
 
-/// The logger that every record of these libraries goes to. Usable from any thread at any time, also before `main` and
-/// after it, and without any configuration: then its level is WARN and its records go to standard error. As soon as the
-/// logger or the root logger has an appender of the application's own, standard error is left alone.
+/// The logger that every record of these libraries goes to. Usable from any thread, also before `main` and
+/// while the process ends, and without any configuration: then its level is WARN and its records go to standard error.
+/// As soon as the logger or the root logger has an appender of the application's own, standard error is left alone.
 ///
 /// An application that configures log4cplus by itself, before the first record, decides the level of the logger "tal"
 /// or lets it inherit the root's. Later the level stays WARN until "tal" is given another one, or NOT_SET_LOG_LEVEL to
@@ -24,12 +24,14 @@ constexpr char kDefaultLoggerName[] = "tal";
 TALLOG_EXPORT log4cplus::Logger& GetGlobalDefaultLogger();
 
 /// True when a record of @p level would be written. Ask before building a costly text.
-TALLOG_EXPORT bool IsLogEnabled(LogLevel level);
+TALLOG_EXPORT bool IsLogEnabled(LogLevel level) noexcept;
 
 /// Reads a log4cplus properties file. The default logger then takes its level from the file (its own or the root's).
 ///
-/// @param reason  what is wrong, in one line, when the result is false: the file cannot be read, or names no appender
-///                for the root logger or for "tal" (log4cplus reports details of broken properties on standard error).
+/// @param reason  what is wrong, in one line, when the result is false: the file cannot be read, gives the root logger
+/// no
+///                valid level, or names no appender that the records of "tal" would reach. log4cplus reports other
+///                faults on standard error only, a log file that cannot be opened among them.
 /// @return        false: the default logger keeps its level; a file that names no appender at all changes nothing else.
 ///
 /// Call it from one thread, while no other thread logs.
