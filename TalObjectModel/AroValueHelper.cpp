@@ -7,7 +7,7 @@
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 #include <ctime>
 
-#include "CalendarFields.h"
+#include "AroTimeFields.h"
 
 namespace Tal {
 namespace {
@@ -101,9 +101,7 @@ AROVALUE ToAroValue(const TalApp::TimeOfDay& value, AroValueType expectedType) {
   TAL_ASSERT2_AT(expectedType == avtDayTime, kFunction, kSource, kDayTimeLine);
   AROVALUE result;
   result.avt = avtDayTime;
-  result.time.SetDateTime(2000, 1, 1, value.GetHour(), value.GetMinute(), value.GetSecond());
-  result.time.weekDays = TalApp::ToAroWeekday(value.GetWeekday());
-  result.time.extraWord = 1;
+  SetTimeOfDay(result.time, value);
   return result;
 }
 

@@ -1,7 +1,10 @@
 #include <KnxHelper/Latin1.h>
 #include <KnxStackApi/GroupValueException.h>
 #include <Tal/GroupValueAroValue.h>
+#include <Tal/KnxValueConverter.h>
+#include <Tal/MeasureDuration.h>
 #include <Tal/TimeOfDay.h>
+#include <TalLog/Assertion.h>
 #include <TalLog/LogRecord.h>
 
 #include <array>
@@ -11,11 +14,15 @@
 #include "DirectRoad.h"
 #include "KnxWire.h"
 #include "MainTypes.h"
+#include "TimeRefusals.h"
 
 namespace Tal {
 namespace {
 
 using KnxStack::GroupValue;
+
+constexpr char kSource[] = "TalObjectModel/GroupValueAroValue";
+constexpr char kTimeOfDayLine[] = "154";  // where a failed assertion on a time of day points to
 
 /// What an encoder may look at, and name in a log record.
 struct EncodeRequest {
@@ -26,11 +33,6 @@ struct EncodeRequest {
 
 /// Writes the group value and returns true, or returns false after its record.
 using Encoder = bool (*)(const EncodeRequest& request, GroupValue& out);
-
-template <std::size_t Count>
-GroupValue MakeGroupValue(const std::array<std::uint8_t, Count>& octets) {
-  return {KnxStack::BinaryData(octets.data(), Count), static_cast<unsigned>(8 * Count)};
-}
 
 template <class Number>
 bool RefuseNumber(const EncodeRequest& request, Number number) {
@@ -109,10 +111,7 @@ bool EncodeFloat32(const EncodeRequest& request, GroupValue& out) {
 bool EncodeTimeOfDay(const EncodeRequest& request, GroupValue& out) {
   const AROTIME& time = request.value.time;
   const boost::optional<TalApp::TimeOfDay> timeOfDay = TalApp::FromAroTime(time);
-  if (!timeOfDay) {
-    TAL_LOG_AT(Error, request.site) << "Could not convert AROTIME " << time.ToString() << " to TimeOfDay";
-    return false;
-  }
+  if (!timeOfDay) return RefuseTimeOfDay(request.site, time);
   out.SetAsTimeOfDay(timeOfDay->GetHour(), timeOfDay->GetMinute(), timeOfDay->GetSecond(),
                      static_cast<unsigned>(timeOfDay->GetWeekday()));
   return true;
@@ -120,17 +119,13 @@ bool EncodeTimeOfDay(const EncodeRequest& request, GroupValue& out) {
 
 bool EncodeDate(const EncodeRequest& request, GroupValue& out) {
   const AROTIME& time = request.value.time;
-  if (!AROTIME::IsValidDate(time.year, time.month, time.day)) {
-    TAL_LOG_AT(Error, request.site) << "Not a valid date: " << time.year << ' ' << unsigned{time.month} << ' '
-                                    << unsigned{time.day} << ' ';
-    return false;
-  }
+  if (!AROTIME::IsValidDate(time.year, time.month, time.day)) return RefuseDate(request.site, time);
   out.SetAsDate(time.day, time.month, time.year);
   return true;
 }
 
 bool EncodeDateTime(const EncodeRequest& request, GroupValue& out) {
-  out = MakeGroupValue(KnxWire::PackDateTime(boost::posix_time::ptime_from_tm(request.value.time)));
+  out = KnxWire::MakeGroupValue(KnxWire::PackDateTime(boost::posix_time::ptime_from_tm(request.value.time)));
   return true;
 }
 
@@ -145,46 +140,161 @@ bool EncodeText(const EncodeRequest& request, GroupValue& out) {
 }
 
 bool EncodeColour(const EncodeRequest& request, GroupValue& out) {
-  out = MakeGroupValue(KnxWire::PackUnsigned24(request.value.GetDWord()));
+  out = KnxWire::MakeGroupValue(KnxWire::PackUnsigned24(request.value.GetDWord()));
   return true;
 }
 
+/// What a decoder may look at, and name in a log record.
+struct DecodeRequest {
+  const CallSite& site;
+  const GroupValue& groupValue;
+  AroValueType valueType;  ///< what the datapoint type demands
+};
+
+/// Returns the value, or nothing after its record.
+using Decoder = boost::optional<AROVALUE> (*)(const DecodeRequest& request);
+
+boost::optional<AROVALUE> DecodeBoolean(const DecodeRequest& request) {
+  return ToAroValue(request.groupValue.GetAsBoolean(), request.valueType);
+}
+
+boost::optional<AROVALUE> DecodeUnsigned2(const DecodeRequest& request) {
+  return ToAroValue(request.groupValue.GetAsUnsigned2(), request.valueType);
+}
+
+boost::optional<AROVALUE> DecodeUnsigned3(const DecodeRequest& request) {
+  return ToAroValue(request.groupValue.GetAsUnsigned3(), request.valueType);
+}
+
+boost::optional<AROVALUE> DecodeUnsigned4(const DecodeRequest& request) {
+  return ToAroValue(request.groupValue.GetAsUnsigned4(), request.valueType);
+}
+
+boost::optional<AROVALUE> DecodeUnsigned8(const DecodeRequest& request) {
+  return ToAroValue(request.groupValue.GetAsUnsigned8(), request.valueType);
+}
+
+boost::optional<AROVALUE> DecodeSigned8(const DecodeRequest& request) {
+  // Deliberate: the octet's pattern as an unsigned number; -1 is carried as 255.
+  return ToAroValue(static_cast<unsigned char>(request.groupValue.GetAsSigned8()), request.valueType);
+}
+
+boost::optional<AROVALUE> DecodeUnsigned16(const DecodeRequest& request) {
+  return ToAroValue(request.groupValue.GetAsUnsigned16(), request.valueType);
+}
+
+boost::optional<AROVALUE> DecodeSigned16(const DecodeRequest& request) {
+  return ToAroValue(request.groupValue.GetAsSigned16(), request.valueType);
+}
+
+boost::optional<AROVALUE> DecodeUnsigned32(const DecodeRequest& request) {
+  return ToAroValue(static_cast<unsigned int>(request.groupValue.GetRawData().GetUInt32Value(0)), request.valueType);
+}
+
+boost::optional<AROVALUE> DecodeSigned32(const DecodeRequest& request) {
+  return ToAroValue(static_cast<int>(request.groupValue.GetAsSigned32()), request.valueType);
+}
+
+boost::optional<AROVALUE> DecodeFloat16(const DecodeRequest& request) {
+  return ToAroValue(request.groupValue.GetAsFloat16(), request.valueType);
+}
+
+boost::optional<AROVALUE> DecodeFloat32(const DecodeRequest& request) {
+  return ToAroValue(double{request.groupValue.GetAsFloat32()}, request.valueType);
+}
+
+boost::optional<AROVALUE> DecodeText(const DecodeRequest& request) {
+  const KnxStyleString latin1(request.groupValue.GetAsString14());
+  return ToAroValue(getUTF8FromLatin1(latin1).GetBytes(), request.valueType);
+}
+
+boost::optional<AROVALUE> DecodeTimeOfDay(const DecodeRequest& request) {
+  const KnxStack::DayTime fields = request.groupValue.GetAsTimeOfDay();
+  const auto timeOfDay = TalApp::TimeOfDay::Create(fields.hour, fields.minute, fields.second,
+                                                   static_cast<TalApp::DayOfWeek>(fields.weekday));
+  if (!timeOfDay) {
+    TAL_LOG_AT(Warn, request.site) << "Received invalid DPT 10 time of day: " << unsigned{fields.hour} << ':'
+                                   << unsigned{fields.minute} << ':' << unsigned{fields.second} << ' '
+                                   << unsigned{fields.weekday};
+    return boost::none;
+  }
+  const AroValueType avt = request.valueType;
+  const AROVALUE result = ToAroValue(*timeOfDay, avt);
+  TAL_ASSERT2_AT(result.avt == avt, request.site.function, kSource, kTimeOfDayLine);
+  return result;
+}
+
+constexpr char kInvalidDate[] = "Received an invalid DPT 11.001 date from the KNX: ";
+
+boost::optional<AROVALUE> DecodeDate(const DecodeRequest& request) {
+  const KnxStack::BinaryData& octets = request.groupValue.GetRawData();
+  if (octets.size() != KnxWire::kDateOctets) {
+    TAL_LOG_AT(Warn, request.site) << kInvalidDate << "Length in bytes is " << octets.size() << ", expected "
+                                   << KnxWire::kDateOctets;
+    return boost::none;
+  }
+  const unsigned twoDigitYear = octets.GetUInt8Value(2);
+  if (twoDigitYear > KnxWire::kLastTwoDigitYear) {
+    TAL_LOG_AT(Warn, request.site) << kInvalidDate << "Year " << twoDigitYear << " is out of range (0-99)";
+    return boost::none;
+  }
+  const KnxStack::Date date = request.groupValue.GetAsDate();
+  const bool isYear = date.year >= 1990 && date.year <= 2089;
+  if (!isYear || date.month < 1 || date.month > 12 || date.day < 1 || date.day > 31) {
+    TAL_LOG_AT(Warn, request.site) << kInvalidDate << date.year << '-' << unsigned{date.month} << '-'
+                                   << unsigned{date.day};
+    return boost::none;
+  }
+  return ToAroValue(boost::posix_time::ptime(boost::gregorian::date(date.year, date.month, date.day)),
+                    request.valueType);
+}
+
+boost::optional<AROVALUE> DecodeDateTime(const DecodeRequest& request) {
+  const KnxWire::DateTime moment = KnxWire::UnpackDateTime(request.groupValue.GetRawData());
+  const boost::gregorian::date date(moment.year, moment.month, moment.day);
+  const boost::posix_time::time_duration clock(moment.hour, moment.minute, moment.second);
+  return ToAroValue(boost::posix_time::ptime(date, clock), request.valueType);
+}
+
+/// What is done with the values of a main type, in both directions. A null pointer: nothing in that direction.
 struct DirectRow {
   std::uint16_t main;
   Encoder encode;
+  Decoder decode;
 };
 
 // clang-format off
 constexpr DirectRow kDirectRows[] = {
-    {  1, EncodeBoolean},
-    {  2, EncodeUnsigned2},
-    {  3, EncodeUnsigned4},
-    {  5, EncodeUnsigned8},
-    {  6, EncodeSigned8},
-    {  7, EncodeUnsigned16},
-    {  8, EncodeSigned16},
-    {  9, EncodeFloat16},
-    { 10, EncodeTimeOfDay},
-    { 11, EncodeDate},
-    { 12, EncodeUnsigned32},
-    { 13, EncodeSigned32},
-    { 14, EncodeFloat32},
-    { 15, EncodeUnsigned32},
-    { 16, EncodeText},
-    { 17, EncodeScene},
-    { 18, EncodeUnsigned8},
-    { 19, EncodeDateTime},
-    { 20, EncodeUnsigned8},
-    { 21, EncodeUnsigned8},
-    { 22, EncodeUnsigned16},
-    { 23, EncodeUnsigned2},
-    { 26, EncodeUnsigned8},
-    { 27, EncodeUnsigned32},
-    {217, EncodeUnsigned16},
-    {232, EncodeColour},
-    {234, EncodeUnsigned16},
-    {237, EncodeUnsigned16},
-    {238, EncodeUnsigned8},
+    {  1, EncodeBoolean,    DecodeBoolean},
+    {  2, EncodeUnsigned2,  DecodeUnsigned2},
+    {  3, EncodeUnsigned4,  DecodeUnsigned4},
+    {  5, EncodeUnsigned8,  DecodeUnsigned8},
+    {  6, EncodeSigned8,    DecodeSigned8},
+    {  7, EncodeUnsigned16, DecodeUnsigned16},
+    {  8, EncodeSigned16,   DecodeSigned16},
+    {  9, EncodeFloat16,    DecodeFloat16},
+    { 10, EncodeTimeOfDay,  DecodeTimeOfDay},
+    { 11, EncodeDate,       DecodeDate},
+    { 12, EncodeUnsigned32, DecodeUnsigned32},
+    { 13, EncodeSigned32,   DecodeSigned32},
+    { 14, EncodeFloat32,    DecodeFloat32},
+    { 15, EncodeUnsigned32, DecodeUnsigned32},
+    { 16, EncodeText,       DecodeText},
+    { 17, EncodeScene,      DecodeUnsigned8},   // checked on the way out; on the way in CheckGroupValue() does
+    { 18, EncodeUnsigned8,  DecodeUnsigned8},
+    { 19, EncodeDateTime,   DecodeDateTime},
+    { 20, EncodeUnsigned8,  DecodeUnsigned8},
+    { 21, EncodeUnsigned8,  DecodeUnsigned8},
+    { 22, EncodeUnsigned16, DecodeUnsigned16},
+    { 23, EncodeUnsigned2,  DecodeUnsigned2},   // Deliberate: written in 2 bits, which CheckGroupValue() refuses (8)
+    { 26, EncodeUnsigned8,  DecodeUnsigned8},
+    { 27, EncodeUnsigned32, DecodeUnsigned32},
+    { 31, nullptr,          DecodeUnsigned3},   // Deliberate: received only
+    {217, EncodeUnsigned16, DecodeUnsigned16},
+    {232, EncodeColour,     DecodeUnsigned32},  // Deliberate: written as three octets, read as a number of what is there
+    {234, EncodeUnsigned16, DecodeUnsigned16},
+    {237, EncodeUnsigned16, DecodeUnsigned16},
+    {238, EncodeUnsigned8,  DecodeUnsigned8},
 };
 // clang-format on
 
@@ -192,12 +302,16 @@ constexpr DirectRow kDirectRows[] = {
 struct DirectEntry {
   AroValueType valueType = avtEmpty;
   Encoder encode = nullptr;
+  Decoder decode = nullptr;
 };
 
 constexpr std::array<DirectEntry, kMainTypeLimit> MakeEntries() {
   std::array<DirectEntry, kMainTypeLimit> entries = {};
   for (std::size_t main = 0; main < kMainTypeLimit; ++main) entries[main].valueType = kValueTypes[main];
-  for (const DirectRow& row : kDirectRows) entries[row.main].encode = row.encode;
+  for (const DirectRow& row : kDirectRows) {
+    entries[row.main].encode = row.encode;
+    entries[row.main].decode = row.decode;
+  }
   return entries;
 }
 constexpr std::array<DirectEntry, kMainTypeLimit> kEntries = MakeEntries();
@@ -208,6 +322,7 @@ const DirectEntry& EntryOf(unsigned long main) noexcept { return main < kEntries
 }  // namespace
 
 bool HasDirectEncoder(unsigned long main) noexcept { return EntryOf(main).encode != nullptr; }
+bool HasDirectDecoder(unsigned long main) noexcept { return EntryOf(main).decode != nullptr; }
 
 boost::optional<GroupValue> AroValueToGroupValue(const AROVALUE& value, unsigned long dpt) {
   const CallSite site = TAL_HERE;
@@ -232,6 +347,44 @@ boost::optional<GroupValue> AroValueToGroupValue(const AROVALUE& value, unsigned
     groupValue.reset();
   }
   return groupValue;
+}
+
+boost::optional<AROVALUE> GroupValueToAroValue(const GroupValue& value, unsigned long dpt) {
+  const MeasureDuration duration("Decoding a KNX value took ", boost::chrono::milliseconds(100));
+  const CallSite site = TAL_HERE;
+  const DirectEntry& entry = EntryOf(dpt >> 16);
+  if (entry.valueType == avtEmpty) {
+    TAL_LOG_AT(Error, site) << "Unsupported DPT: " << (dpt >> 16) << '.' << (dpt & 0xFFFF);
+    return boost::none;
+  }
+  if (!CheckGroupValue(value, dpt)) {
+    TAL_LOG_AT(Error, site) << "Received invalid value " << value.GetRawData().ToString() << " for DPT " << (dpt >> 16)
+                            << '.' << (dpt & 0xFFFF);
+    return boost::none;
+  }
+  // Deliberate: a main type that is known but not decoded here gives a value without content.
+  if (entry.decode == nullptr) return AROVALUE();
+  try {
+    return entry.decode({site, value, entry.valueType});
+  } catch (const KnxStack::GroupValueException& exception) {
+    TAL_LOG_AT(Error, site) << "Exception caught during conversion of GroupValue: " << exception.what();
+    return boost::none;
+  }
+}
+
+bool CheckGroupValue(const GroupValue& value, unsigned long dpt) {
+  const unsigned long main = dpt >> 16;
+  if (main > 0xFFFF) {  // more than the 32 bits of a datapoint type number
+    TAL_LOG(Error) << "Unsupported DPT: " << main << '.' << (dpt & 0xFFFF);
+    return false;
+  }
+  KNXDPT knxDpt{static_cast<std::uint8_t>(value.GetDefinedSize()), static_cast<std::uint16_t>(main),
+                static_cast<std::uint16_t>(dpt & 0xFFFF)};
+  KnxValueConverter converter;
+  converter.Init();
+  TAL_LOG(Debug) << "DPT is " << knxDpt << " with bit size " << unsigned{knxDpt.size};
+  AROVALUE ignored;
+  return converter.FromKnxValue(knxDpt, value, ignored);
 }
 
 }  // namespace Tal

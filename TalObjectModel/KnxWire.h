@@ -2,6 +2,8 @@
 // has setters for (numbers, date, time of day, text) live with those.
 #pragma once
 
+#include <KnxStackApi/GroupValue.h>
+
 #include <array>
 #include <boost/date_time/posix_time/ptime.hpp>
 #include <cstdint>
@@ -15,6 +17,16 @@ constexpr std::array<std::uint8_t, 3> PackUnsigned24(std::uint32_t number) noexc
           static_cast<std::uint8_t>(number)};
 }
 
+/// A group value of these octets, 8 bits each.
+template <std::size_t Count>
+KnxStack::GroupValue MakeGroupValue(const std::array<std::uint8_t, Count>& octets) {
+  return {KnxStack::BinaryData(octets.data(), Count), static_cast<unsigned>(8 * Count)};
+}
+
+constexpr std::size_t kDateOctets = 3;
+constexpr std::size_t kTimeOfDayOctets = 3;
+constexpr std::size_t kDateTimeOctetsRead = 6;      // flags and clock quality are not looked at
+constexpr std::uint8_t kLastTwoDigitYear = 99;      // of a date
 constexpr std::uint8_t kWorkingDayNotValid = 0x20;  // octet 6 of a date with time
 constexpr std::uint8_t kNoDayOfWeek = 0x04;
 
@@ -31,6 +43,25 @@ inline std::array<std::uint8_t, 8> PackDateTime(const boost::posix_time::ptime& 
           octet(date.day().as_number()), octet(weekday << 5 | static_cast<unsigned>(clock.hours())),
           octet(clock.minutes()),        octet(clock.seconds()),
           kWorkingDayNotValid,           0};
+}
+
+/// The fields of a date with time as they stand on the wire, masked to their bits, not judged.
+struct DateTime {
+  std::uint16_t year;
+  std::uint8_t month, day, hour, minute, second;
+};
+
+/// @throws KnxStack::GroupValueException for fewer than six octets.
+inline DateTime UnpackDateTime(const KnxStack::BinaryData& octets) {
+  const auto field = [&](std::size_t index, unsigned mask) {
+    return static_cast<std::uint8_t>(octets.GetUInt8Value(index) & mask);
+  };
+  return {static_cast<std::uint16_t>(1900 + octets.GetUInt8Value(0)),
+          field(1, 0x0F),
+          field(2, 0x1F),
+          field(3, 0x1F),
+          field(4, 0x3F),
+          field(5, 0x3F)};
 }
 
 }  // namespace KnxWire

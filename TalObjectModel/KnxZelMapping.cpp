@@ -6,7 +6,7 @@
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 #include <limits>
 
-#include "CalendarFields.h"
+#include "AroTimeFields.h"
 #include "MainTypes.h"
 
 namespace Tal {

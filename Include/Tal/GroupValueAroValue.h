@@ -32,4 +32,22 @@ namespace Tal {
 TALOBJECTMODEL_EXPORT boost::optional<KnxStack::GroupValue> AroValueToGroupValue(const AROVALUE& value,
                                                                                  unsigned long dpt);
 
+/// Decodes a group value received from the bus as datapoint type @p dpt.
+///
+/// @return  the value, of the type that the main type demands; or nothing after one or more records: an unsupported
+///          datapoint type, a value that CheckGroupValue() refuses or whose octets are missing (ERROR), a time of day
+///          or a date that is none (WARN). A value of type avtEmpty is present for a main type that is known but not
+///          decoded (24, 25, 28, 30, 200 to 202), and for dates and times after 2038-01-19 03:14:07 (11, 19).
+/// @throws std::out_of_range  11.x with a day beyond its month, 19.x with an impossible month or day.
+///
+/// Numbers are raw as in AroValueToGroupValue(); an octet of 6.x is carried as 0 to 255; 7F FF of 9.x is NaN. Dates and
+/// times are taken as local time, a time of day stands on 2000-01-01. A call of 100 ms and more is logged at INFO.
+/// Keeps no state: may be called from any thread.
+TALOBJECTMODEL_EXPORT boost::optional<AROVALUE> GroupValueToAroValue(const KnxStack::GroupValue& value,
+                                                                     unsigned long dpt);
+
+/// True when the map-driven converter (KnxValueConverter) decodes @p value as datapoint type @p dpt; its records say
+/// why not. A datapoint type that it does not know is taken for valid. Throws nothing; may be called from any thread.
+TALOBJECTMODEL_EXPORT bool CheckGroupValue(const KnxStack::GroupValue& value, unsigned long dpt);
+
 }  // namespace Tal

@@ -3,22 +3,45 @@
 
 #include <BasePlatform/AroDP.h>
 #include <BasePlatform/AroValueType.h>
+#include <KnxStackApi/KnxDpt.h>
 #include <Tal/Export.h>
 
+#include <boost/optional.hpp>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 namespace Tal {
 
-/// A main type that the library knows.
+/// A main type as the one-step conversions (GroupValueAroValue.h) know it.
 struct MainTypeDescription {
   std::uint16_t main;
   AroValueType valueType;  ///< what its values carry
   AroDP::AroValueSubType subType;
   bool isEncoded;  ///< AroValueToGroupValue() encodes it
+  bool isDecoded;  ///< GroupValueToAroValue() decodes it
 };
 
-/// All known main types in ascending order.
+/// A row of the standard table of the map-driven converter (KnxValueConverter.h).
+struct DptDescription {
+  KNXDPT dpt;              ///< sub 0: the whole main type
+  AroValueType valueType;  ///< what its values carry
+  AroDP::AroValueSubType subType;
+  std::string codec;  ///< name of the codec's class
+  /// The range that the codec carries, bounds inclusive: the side of AROVALUE and the side of KNX.
+  struct Range {
+    double internalMin, internalMax, externalMin, externalMax;
+  };
+  boost::optional<Range> range;
+};
+
+/// All main types of the one-step conversions, ascending.
 TALOBJECTMODEL_EXPORT std::vector<MainTypeDescription> DescribeMainTypes();
+
+/// All rows of the standard table in their order of insertion.
+TALOBJECTMODEL_EXPORT std::vector<DptDescription> DescribeDptTable();
+
+/// Bits that the group values of a main type must have; nothing when any size will do, 0 for an unknown main type.
+TALOBJECTMODEL_EXPORT boost::optional<unsigned> DescribeExpectedBits(std::uint16_t main);
 
 }  // namespace Tal

@@ -58,9 +58,9 @@ inline std::string Wire(const KnxStack::GroupValue& groupValue) {
 
 }  // namespace TalTest
 
-inline void PrintTo(const AROVALUE& value, std::ostream* os) {
+inline std::ostream& operator<<(std::ostream& os, const AROVALUE& value) {
   std::string text;
   value.Serialize(text, false);
-  *os << text;
+  return os << text;
 }
-inline void PrintTo(const AROTIME& time, std::ostream* os) { *os << time.ToString(); }
+inline std::ostream& operator<<(std::ostream& os, const AROTIME& time) { return os << time.ToString(); }

@@ -1,7 +1,9 @@
-// Time points as fields, without any time zone.
+// Time points and times of day as the fields of an AROTIME, without any time zone.
 #pragma once
 
 #include <BasePlatform/AroTime.h>
+#include <KnxHelper/TimeOfDay.h>
+#include <Tal/TimeOfDay.h>
 
 #include <boost/date_time/posix_time/ptime.hpp>
 
@@ -17,6 +19,14 @@ inline void SetCalendarFields(AROTIME& time, const boost::posix_time::ptime& mom
                    narrow(clock.minutes()), narrow(clock.seconds()));
   const unsigned daysAfterMonday = (date.day_of_week().as_number() + 6u) % 7u;
   time.weekDays = static_cast<std::uint16_t>(AroWeekDays::Monday << daysAfterMonday);
+}
+
+/// Makes @p time the time of day @p timeOfDay: on 2000-01-01, with the weekday's bit and extraWord 1.
+inline void SetTimeOfDay(AROTIME& time, const TalApp::TimeOfDay& timeOfDay) {
+  time.Clear(true);
+  time.SetDateTime(2000, 1, 1, timeOfDay.GetHour(), timeOfDay.GetMinute(), timeOfDay.GetSecond());
+  time.weekDays = TalApp::ToAroWeekday(timeOfDay.GetWeekday());
+  time.extraWord = 1;
 }
 
 }  // namespace Tal
