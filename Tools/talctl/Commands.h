@@ -5,21 +5,65 @@
 #include <string>
 
 #include "Command.h"
+#include "LineCommand.h"
+#include "Road.h"
 
 namespace Talctl {
 
-/// `encode [DPT VALUE]`: values to octets, from operands or line by line from standard input.
-class EncodeCommand final : public Command {
+/// `encode [DPT VALUE]`: values to octets.
+class EncodeCommand final : public LineCommand {
  public:
   CLI::App* AddTo(CLI::App& app) override;
-  ExitStatus Run(const Invocation& invocation) override;
+
+ protected:
+  Conversion Convert(std::string_view dpt, std::string_view rest, ReasonLog& log) const override;
+  std::string Text(const Conversion& conversion) const override;
+  void Describe(const Conversion& conversion, Json& json) const override;
+  const char* OperandName() const override { return "VALUE"; }
+
+ private:
+  Road m_road = Road::Direct;
 };
 
-/// `dpts [DPT...]`: what the library knows of main types.
+/// `decode [DPT OCTETS]`: octets to values.
+class DecodeCommand final : public LineCommand {
+ public:
+  CLI::App* AddTo(CLI::App& app) override;
+
+ protected:
+  Conversion Convert(std::string_view dpt, std::string_view rest, ReasonLog& log) const override;
+  std::string Text(const Conversion& conversion) const override;
+  void Describe(const Conversion& conversion, Json& json) const override;
+  const char* OperandName() const override { return "OCTETS"; }
+
+ private:
+  Road m_road = Road::Direct;
+  std::optional<unsigned> m_bits;
+};
+
+/// `check [DPT OCTETS]`: whether octets can be decoded.
+class CheckCommand final : public LineCommand {
+ public:
+  CLI::App* AddTo(CLI::App& app) override;
+
+ protected:
+  Conversion Convert(std::string_view dpt, std::string_view rest, ReasonLog& log) const override;
+  std::string Text(const Conversion& conversion) const override;
+  void Describe(const Conversion& conversion, Json& json) const override;
+  const char* OperandName() const override { return "OCTETS"; }
+
+ private:
+  std::optional<unsigned> m_bits;
+};
+
+/// `dpts [DPT...]`: what the library knows of datapoint types.
 class DptsCommand final : public Command {
  public:
   CLI::App* AddTo(CLI::App& app) override;
   ExitStatus Run(const Invocation& invocation) override;
+
+ private:
+  Road m_road = Road::Direct;
 };
 
 /// `id NUMBER...` explains identifiers, `id --device D ...` computes them.
@@ -35,7 +79,7 @@ class IdCommand final : public Command {
   std::optional<std::string> m_appControl;
 };
 
-/// `demo`: the embedded day of a house through `encode`, as a table, compared with what must come out.
+/// `demo`: the embedded day of a house through both roads and back, as a table, compared with what must come out.
 class DemoCommand final : public Command {
  public:
   CLI::App* AddTo(CLI::App& app) override;

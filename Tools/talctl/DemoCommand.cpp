@@ -1,25 +1,24 @@
 #include <HouseDay.h>
 
+#include <array>
+#include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/trim.hpp>
 #include <ostream>
 #include <sstream>
 
 #include "Commands.h"
-#include "Encoding.h"
 #include "Table.h"
 
 namespace Talctl {
 namespace {
 
-constexpr char kRefusedMark[] = "refused";
-
-/// A row of the sample: "time | what | DPT | value | octets or refused".
+/// A row of the sample: what is said when, and what must come of it.
 struct SampleRow {
   std::string time;
   std::string what;
   std::string dpt;
   std::string value;
-  std::string expected;
+  std::array<std::string, 4> expected;  ///< octets and way back, and the same through the map, as Journey shows them
 };
 
 std::vector<SampleRow> ReadSample() {
@@ -29,7 +28,8 @@ std::vector<SampleRow> ReadSample() {
     if (line.empty() || line[0] == '#') continue;
     std::istringstream cells(line);
     SampleRow row;
-    for (std::string* cell : {&row.time, &row.what, &row.dpt, &row.value, &row.expected}) {
+    auto& [octets, back, mapOctets, mapBack] = row.expected;
+    for (std::string* cell : {&row.time, &row.what, &row.dpt, &row.value, &octets, &back, &mapOctets, &mapBack}) {
       std::getline(cells, *cell, '|');
       boost::algorithm::trim(*cell);
     }
@@ -38,19 +38,103 @@ std::vector<SampleRow> ReadSample() {
   return rows;
 }
 
-std::string Verdict(const SampleRow& row, const Encoding& encoding) {
-  if (!encoding.groupValue) return row.expected == kRefusedMark ? "" : "DIFFERS: expected " + row.expected;
-  return row.expected == encoding.Answer() ? "" : "DIFFERS: expected " + row.expected;
+constexpr char kSame[] = "=";
+constexpr char kNotSent[] = "refused";
+constexpr char kNone[] = "-";
+
+/// What became of a value on one road.
+struct Journey {
+  std::string octets = kNotSent;
+  std::string back = kNone;  ///< "=" when the value came back, else what came back instead
+  std::string why;           ///< why something is refused or other than it was
+};
+
+/// Why a value comes back other than it went, when nothing was refused.
+std::string WhyOther(const Dpt& dpt) {
+  switch (dpt.main) {
+    case 9: return "rounded to a two-octet float";
+    case 14: return "rounded to single precision";
+    case 16: return "cut to 14 characters of ISO 8859-1";
+    default: return "not all of it is sent";
+  }
+}
+
+Journey Travel(const SampleRow& row, Road road, ReasonLog& log) {
+  Journey journey;
+  const Conversion sent = Encode(row.dpt, row.value, road, log);
+  if (!sent.groupValue) {
+    journey.why = sent.error;
+    return journey;
+  }
+  journey.octets = Hex(sent.groupValue->GetRawData());
+  const Conversion received = Decode(*sent.dpt, *sent.groupValue, road, log);
+  if (!received.value) {
+    journey.back = kNotSent;
+    journey.why = received.error;
+    return journey;
+  }
+  journey.back = FormatOneLine(*received.value);
+  if (journey.back == FormatOneLine(*sent.value)) {
+    journey.back = kSame;
+  } else {
+    journey.why = WhyOther(*sent.dpt);
+  }
+  return journey;
+}
+
+/// Counts and prints what the journeys come to.
+class Summary {
+ public:
+  void Count(const Journey& direct, const Journey& map, bool isExpected) {
+    ++m_values;
+    CountRoad(direct, m_direct);
+    CountRoad(map, m_map);
+    if (!isExpected) ++m_different;
+  }
+  bool AllExpected() const { return m_different == 0; }
+  void Print(std::ostream& out) const {
+    out << m_values << " values\n";
+    PrintRoad(out, "direct road: ", m_direct);
+    PrintRoad(out, "map road:    ", m_map);
+    out << m_different << (AllExpected() ? " other than expected: all is well\n" : " other than expected\n");
+  }
+
+ private:
+  struct RoadCount {
+    unsigned back = 0;
+    unsigned other = 0;
+    unsigned refused = 0;
+  };
+  static void CountRoad(const Journey& journey, RoadCount& count) {
+    ++(journey.octets == kNotSent ? count.refused : journey.back == kSame ? count.back : count.other);
+  }
+  static void PrintRoad(std::ostream& out, const char* road, const RoadCount& count) {
+    out << road << count.back << " came back, " << count.other << " came back other or not at all, " << count.refused
+        << " refused\n";
+  }
+
+  unsigned m_values = 0;
+  unsigned m_different = 0;
+  RoadCount m_direct;
+  RoadCount m_map;
+};
+
+std::string Notes(const Journey& direct, const Journey& map) {
+  if (direct.why == map.why) return direct.why;
+  std::string notes = direct.why.empty() ? "" : "direct: " + direct.why;
+  if (!map.why.empty()) notes += (notes.empty() ? "map: " : "; map: ") + map.why;
+  return notes;
 }
 
 }  // namespace
 
 CLI::App* DemoCommand::AddTo(CLI::App& app) {
-  CLI::App* const command = app.add_subcommand("demo", "A day of a house, from values to octets");
-  SetHelp(*command, {""},
-          "Encodes the values that a sample house sees in a day and prints them as a table with their octets or the "
-          "reason\n"
-          "of their refusal; some are wrong on purpose. Exit status 1 when a row comes out other than it must.");
+  CLI::App* const command = app.add_subcommand("demo", "A day of a house, from values to octets and back");
+  SetHelp(
+      *command, {""},
+      "Sends the values that a sample house sees in a day through both roads to octets and back, and prints them as a\n"
+      "table: `=` for the same again, else what came of it, and why. Some values are wrong on purpose. Exit status 1\n"
+      "when a row comes out other than it must.");
   command->add_flag("--lines", m_lines, "Print the values as lines for `talctl encode` instead");
   command->footer("Examples:\n  talctl demo\n  talctl demo --lines | talctl encode");
   return command;
@@ -58,41 +142,46 @@ CLI::App* DemoCommand::AddTo(CLI::App& app) {
 
 ExitStatus DemoCommand::Run(const Invocation& invocation) {
   if (!invocation.operands.empty()) throw WrongUse("demo takes no operands");
-  const auto& [in, out, err] = invocation.streams;
-  ReasonLog log(invocation.options.logLevel, err);
-  Table table({"TIME", "WHAT", "DPT", "VALUE", "OCTETS, OR WHY NOT"});
-  unsigned encoded = 0;
-  unsigned refused = 0;
-  unsigned different = 0;
-  unsigned long number = 0;
-  for (const SampleRow& row : ReadSample()) {
-    const std::string line = row.dpt + ' ' + row.value;
-    if (m_lines) {
-      out << line << '\n';
+  std::ostream& out = invocation.streams.out;
+  const bool json = invocation.options.json;
+  const std::vector<SampleRow> rows = ReadSample();
+  if (m_lines) {
+    for (const SampleRow& row : rows) out << row.dpt << ' ' << row.value << '\n';
+    return kDone;
+  }
+  ReasonLog log(invocation.options.logLevel, invocation.streams.err);
+  Table table({"TIME", "WHAT", "DPT", "VALUE", "OCTETS", "BACK", "MAP", "BACK", "NOTES"});
+  Summary summary;
+  for (const SampleRow& row : rows) {
+    const Journey direct = Travel(row, Road::Direct, log);
+    Journey map = Travel(row, Road::Map, log);
+    if (map.octets == direct.octets && map.octets != kNotSent) map.octets = kSame;
+    const std::array<std::string, 4> came = {direct.octets, direct.back, map.octets, map.back};
+    const bool isExpected = came == row.expected;
+    summary.Count(direct, map, isExpected);
+    const std::string notes =
+        Notes(direct, map) + (isExpected ? "" : "  DIFFERS: expected " + boost::algorithm::join(row.expected, " | "));
+    if (!json) {
+      table.Add({row.time, row.what, row.dpt, row.value, direct.octets, direct.back, map.octets, map.back, notes});
       continue;
     }
-    const Encoding encoding = EncodeLine(line, log);
-    const std::string verdict = Verdict(row, encoding);
-    ++(encoding.groupValue ? encoded : refused);
-    different += verdict.empty() ? 0 : 1;
-    if (invocation.options.json) {
-      Json json = encoding.ToJson(++number);
-      json["time"] = row.time;
-      json["what"] = row.what;
-      json["asExpected"] = verdict.empty();
-      out << Line(json);
-    } else {
-      table.Add({row.time, row.what, row.dpt, row.value, encoding.Answer() + (verdict.empty() ? "" : "  " + verdict)});
-    }
+    out << Line({{"time", row.time},
+                 {"what", row.what},
+                 {"dpt", row.dpt},
+                 {"value", row.value},
+                 {"octets", direct.octets},
+                 {"back", direct.back},
+                 {"map", map.octets},
+                 {"mapBack", map.back},
+                 {"notes", notes},
+                 {"asExpected", isExpected}});
   }
-  if (m_lines) return kDone;
-  if (!invocation.options.json) {
+  if (!json) {
     table.Print(out);
-    out << '\n'
-        << encoded + refused << " values: " << encoded << " encoded, " << refused << " refused, " << different
-        << (different == 0 ? " other than expected: all is well\n" : " other than expected\n");
+    out << '\n';
+    summary.Print(out);
   }
-  return different == 0 ? kDone : kRefused;
+  return summary.AllExpected() ? kDone : kRefused;
 }
 
 }  // namespace Talctl

@@ -1,9 +1,8 @@
 #include <BasePlatform/AroDP.h>
 #include <Tal/GroupValueAroValue.h>
 #include <Tal/KnxZelMapping.h>
-#include <Tal/TableDescription.h>
 
-#include <algorithm>
+#include <functional>
 #include <ostream>
 
 #include "Commands.h"
@@ -14,50 +13,86 @@
 namespace Talctl {
 namespace {
 
-using Row = Tal::MainTypeDescription;
-
-struct Description {
-  AROVALUE defaultValue;
-  boost::optional<unsigned> bits;  ///< nothing: not encoded
+/// One line of the listing: the cells of the table and the JSON object.
+struct Row {
+  std::vector<std::string> cells;
+  Json json;
 };
 
-Description Describe(const Row& row) {
-  Description description;
-  const unsigned long dpt = Dpt{row.main, 0}.Number();
-  description.defaultValue.Deserialize(Tal::KnxZelMapping::GetDefaultValueFromDpt(dpt, true));
-  if (!row.isEncoded) return description;
-  const auto groupValue = Tal::AroValueToGroupValue(description.defaultValue, dpt);
-  if (groupValue) description.bits = groupValue->GetDefinedSize();
-  return description;
+const std::vector<std::string>& Heading(Road road) {
+  static const std::vector<std::string> direct = {"DPT", "TYPE", "SUB TYPE", "BITS", "DEFAULT", "VALUES"};
+  static const std::vector<std::string> map = {"DPT", "TYPE", "SUB TYPE", "BITS", "CODEC", "RANGE"};
+  return road == Road::Direct ? direct : map;
 }
 
-void PrintJson(const std::vector<Row>& rows, std::ostream& out) {
-  for (const Row& row : rows) {
-    const Description description = Describe(row);
-    Json json;
-    json["main"] = row.main;
-    json["type"] = AROVALUE::GetNameFromValueType(row.valueType);
-    json["subType"] = AroDP::GetNameFromValueSubType(row.subType);
-    json["encoded"] = row.isEncoded;
-    json["bits"] = description.bits ? Json(*description.bits) : Json();
-    json["default"] = ToJson(description.defaultValue);
-    out << Line(json);
-  }
+Row Describe(const Tal::MainTypeDescription& main) {
+  const Dpt dpt{main.main, 0};
+  AROVALUE value;
+  value.Deserialize(Tal::KnxZelMapping::GetDefaultValueFromDpt(dpt.Number(), true));
+  boost::optional<KnxStack::GroupValue> groupValue;
+  if (main.isEncoded) groupValue = Tal::AroValueToGroupValue(value, dpt.Number());
+  const char* const type = AROVALUE::GetNameFromValueType(main.valueType);
+  const char* const subType = AroDP::GetNameFromValueSubType(main.subType);
+  const std::string text = main.valueType == avtString ? "''" : FormatValue(value);
+
+  Row row;
+  row.cells = {std::to_string(main.main) + ".x",
+               type,
+               subType,
+               groupValue ? std::to_string(groupValue->GetDefinedSize()) : "-",
+               text.empty() ? "-" : text,
+               main.isEncoded   ? Expectation(dpt, Road::Direct)
+               : main.isDecoded ? "received only"
+                                : "neither encoded nor decoded"};
+  row.json["main"] = main.main;
+  row.json["type"] = type;
+  row.json["subType"] = subType;
+  row.json["encoded"] = main.isEncoded;
+  row.json["decoded"] = main.isDecoded;
+  row.json["bits"] = groupValue ? Json(groupValue->GetDefinedSize()) : Json();
+  row.json["default"] = ToJson(value);
+  return row;
 }
 
-void PrintTable(const std::vector<Row>& rows, std::ostream& out) {
-  Table table({"DPT", "TYPE", "SUB TYPE", "BITS", "DEFAULT", "VALUES"});
-  for (const Row& row : rows) {
-    const Description description = Describe(row);
-    const std::string defaultText = FormatValue(description.defaultValue);
-    table.Add({std::to_string(row.main) + ".x", AROVALUE::GetNameFromValueType(row.valueType),
-               AroDP::GetNameFromValueSubType(row.subType), description.bits ? std::to_string(*description.bits) : "-",
-               row.valueType == avtString ? "''"
-               : defaultText.empty()      ? "-"
-                                          : defaultText,
-               row.isEncoded ? Expectation({row.main, 0}) : "not encoded"});
+Row Describe(const Tal::DptDescription& entry) {
+  const Dpt dpt{entry.dpt.main, entry.dpt.sub};
+  const std::string label = dpt.sub == 0 ? std::to_string(dpt.main) + ".x" : FormatDpt(dpt);
+  const char* const type = AROVALUE::GetNameFromValueType(entry.valueType);
+  const char* const subType = AroDP::GetNameFromValueSubType(entry.subType);
+
+  Row row;
+  row.cells = {label, type, subType, std::to_string(entry.dpt.size), entry.codec, "-"};
+  row.json["dpt"] = label;
+  row.json["type"] = type;
+  row.json["subType"] = subType;
+  row.json["bits"] = entry.dpt.size;
+  row.json["codec"] = entry.codec;
+  if (!entry.range) return row;
+  const auto& [internalMin, internalMax, externalMin, externalMax] = *entry.range;
+  row.cells.back() = FormatNumber(internalMin) + " .. " + FormatNumber(internalMax);
+  row.json["range"] = {internalMin, internalMax};
+  if (internalMin != externalMin || internalMax != externalMax) {
+    row.cells.back() += " as " + FormatNumber(externalMin) + " .. " + FormatNumber(externalMax);
+    row.json["externalRange"] = {externalMin, externalMax};
   }
-  table.Print(out);
+  return row;
+}
+
+/// The rows of a road that are asked for by @p dpt; none asked for: all.
+std::vector<Row> Select(Road road, const Dpt* dpt) {
+  std::vector<Row> rows;
+  if (road == Road::Direct) {
+    for (const auto& main : MainTypes()) {
+      if (dpt == nullptr || main.main == dpt->main) rows.push_back(Describe(main));
+    }
+    return rows;
+  }
+  for (const auto& entry : DptTable()) {
+    const bool isServing = dpt != nullptr && dpt->sub != 0 && FindDptRow(*dpt) == &entry;
+    const bool isOfMain = dpt != nullptr && dpt->sub == 0 && entry.dpt.main == dpt->main;
+    if (dpt == nullptr || isServing || isOfMain) rows.push_back(Describe(entry));
+  }
+  return rows;
 }
 
 }  // namespace
@@ -66,35 +101,40 @@ CLI::App* DptsCommand::AddTo(CLI::App& app) {
   CLI::App* const command = app.add_subcommand("dpts", "What the library knows of datapoint types");
   SetHelp(
       *command, {"[DPT...]"},
-      "Lists main types with the type and sub type of their values, the bits of their group values, the default value\n"
-      "and what `encode` takes. With DPT only those; the sub number plays no part.");
-  command->footer("Examples:\n  talctl dpts\n  talctl dpts 9.001 232\n  talctl dpts --json");
+      "Lists datapoint types with the type and sub type of their values and the bits of their group values. On the\n"
+      "direct road by main type, with the default value and what `encode` takes; on the map road the rows of the\n"
+      "table, with codec and range. With DPT only those.");
+  AddRoadOption(*command, m_road);
+  command->footer(
+      "Examples:\n  talctl dpts\n  talctl dpts 9.001 232\n  talctl dpts --road map 9\n  talctl dpts --json");
   return command;
 }
 
 ExitStatus DptsCommand::Run(const Invocation& invocation) {
   const auto& [options, operands, streams] = invocation;
   const ReasonLog log(options.logLevel, streams.err);
-  const std::vector<Row> known = Tal::DescribeMainTypes();
-  std::vector<Row> wanted = operands.empty() ? known : std::vector<Row>();
+  std::vector<Row> wanted;
+  if (operands.empty()) wanted = Select(m_road, nullptr);
   ExitStatus status = kDone;
   for (const std::string& operand : operands) {
     Dpt dpt;
     std::string error;
+    std::vector<Row> rows;
     if (ParseDpt(operand, dpt, error)) {
-      const auto row = std::find_if(known.begin(), known.end(), [&](const Row& r) { return r.main == dpt.main; });
-      if (row != known.end()) {
-        wanted.push_back(*row);
-        continue;
-      }
-      error = FormatDpt(dpt) + " is of no known main type; `talctl dpts` lists them";
+      rows = Select(m_road, &dpt);
+      if (rows.empty())
+        error =
+            FormatDpt(dpt) + " is not known on this road; `talctl dpts --road " + NameOf(m_road) + "` lists what is";
     }
-    status = Refuse(invocation, error);
+    if (rows.empty()) status = Refuse(invocation, error);
+    wanted.insert(wanted.end(), rows.begin(), rows.end());
   }
   if (options.json) {
-    PrintJson(wanted, streams.out);
+    for (const Row& row : wanted) streams.out << Line(row.json);
   } else if (!wanted.empty()) {
-    PrintTable(wanted, streams.out);
+    Table table(Heading(m_road));
+    for (const Row& row : wanted) table.Add(row.cells);
+    table.Print(streams.out);
   }
   return status;
 }

@@ -1,9 +1,4 @@
-#include <boost/algorithm/string/join.hpp>
-#include <ostream>
-
 #include "Commands.h"
-#include "Encoding.h"
-#include "LineReader.h"
 
 namespace Talctl {
 namespace {
@@ -21,48 +16,8 @@ Examples:
   talctl encode 9.001 21            0C1A
   talctl encode 10.001 Sun 23:59:59
   talctl encode 16.000 -- --text
+  talctl encode 9.001 -300 --road map   # refused: 9.001 starts at -273 there
   printf '9.001 21\n1.001 on\n' | talctl encode --json)";
-
-ExitStatus EncodeOperands(const Invocation& invocation, ReasonLog& log) {
-  const std::vector<std::string>& operands = invocation.operands;
-  if (operands.size() < 2)
-    throw WrongUse("VALUE is missing: expected DPT VALUE, or no operands and lines on standard input");
-  const std::string value = boost::algorithm::join(std::vector<std::string>(operands.begin() + 1, operands.end()), " ");
-  const Encoding encoding = Encode(operands[0], std::string_view(value), log);
-  if (invocation.options.json) {
-    invocation.streams.out << Line(encoding.ToJson(1));
-  } else {
-    (encoding.groupValue ? invocation.streams.out : invocation.streams.err) << encoding.Answer() << '\n';
-  }
-  return encoding.groupValue ? kDone : kRefused;
-}
-
-/// Blank lines and comments. Of a line that is too long only the beginning is known, so it may not be blank.
-bool IsSkipped(std::string_view line, bool isCut) {
-  const std::size_t first = line.find_first_not_of(" \t");
-  return first == line.npos ? !isCut : line[first] == '#';
-}
-
-ExitStatus EncodeLines(const Invocation& invocation, ReasonLog& log) {
-  const auto& [in, out, err] = invocation.streams;
-  LineReader lines(in, [&out = out] { out.flush(); });
-  ExitStatus status = kDone;
-  while (lines.Next()) {
-    if (IsSkipped(lines.Text(), lines.TooLong())) continue;
-    Encoding encoding;
-    if (lines.TooLong()) {
-      encoding.error = "the line is longer than " + std::to_string(LineReader::kMaxLength) + " bytes";
-    } else {
-      encoding = EncodeLine(lines.Text(), log);
-    }
-    if (!encoding.groupValue) status = kRefused;
-    out << (invocation.options.json ? Line(encoding.ToJson(lines.Number())) : encoding.Answer() + '\n');
-    if (!out) return kRefused;
-  }
-  if (!lines.Failed()) return status;
-  err << "talctl: standard input cannot be read\n";
-  return kRefused;
-}
 
 }  // namespace
 
@@ -74,13 +29,27 @@ CLI::App* EncodeCommand::AddTo(CLI::App& app) {
           "octet as one octet. Without operands, answers lines `DPT VALUE` from standard input one by one; blank lines "
           "and\n"
           "# comments are skipped, and a refused line is answered with `error: ` and the reason.");
+  AddRoadOption(*command, m_road);
   command->footer(kExamples);
   return command;
 }
 
-ExitStatus EncodeCommand::Run(const Invocation& invocation) {
-  ReasonLog log(invocation.options.logLevel, invocation.streams.err);
-  return invocation.operands.empty() ? EncodeLines(invocation, log) : EncodeOperands(invocation, log);
+Conversion EncodeCommand::Convert(std::string_view dpt, std::string_view rest, ReasonLog& log) const {
+  return Encode(dpt, rest, m_road, log);
+}
+
+std::string EncodeCommand::Text(const Conversion& conversion) const { return Hex(conversion.groupValue->GetRawData()); }
+
+void EncodeCommand::Describe(const Conversion& conversion, Json& json) const {
+  if (conversion.value && conversion.value->avt != avtEmpty) {
+    json["value"] = ToJson(*conversion.value);
+  } else if (!conversion.text.empty()) {
+    json["value"] = conversion.text;  // as it was given
+  }
+  if (!conversion.groupValue) return;
+  json["type"] = AROVALUE::GetNameFromValueType(conversion.value->avt);
+  json["octets"] = Hex(conversion.groupValue->GetRawData());
+  json["bits"] = conversion.groupValue->GetDefinedSize();
 }
 
 }  // namespace Talctl

@@ -57,6 +57,11 @@ ReasonLog::~ReasonLog() {
   Tal::GetGlobalDefaultLogger().setLogLevel(m_previousLevel);
 }
 
+ReasonLog::Pause::Pause() : m_previousLevel(Tal::GetGlobalDefaultLogger().getLogLevel()) {
+  Tal::GetGlobalDefaultLogger().setLogLevel(log4cplus::OFF_LOG_LEVEL);
+}
+ReasonLog::Pause::~Pause() { Tal::GetGlobalDefaultLogger().setLogLevel(m_previousLevel); }
+
 void ReasonLog::Clear() { ReasonIn(m_appender).clear(); }
 
 std::string ReasonLog::FirstReason() const { return ReasonIn(m_appender); }

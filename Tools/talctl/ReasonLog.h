@@ -19,6 +19,18 @@ class ReasonLog {
   ReasonLog(const ReasonLog&) = delete;
   ReasonLog& operator=(const ReasonLog&) = delete;
 
+  /// While it lives, nothing is heard: for conversions that are only tried.
+  class Pause {
+   public:
+    Pause();
+    ~Pause();
+    Pause(const Pause&) = delete;
+    Pause& operator=(const Pause&) = delete;
+
+   private:
+    int m_previousLevel;
+  };
+
   /// Forgets what was heard; call it before each conversion.
   void Clear();
 

@@ -116,6 +116,8 @@ int RunUnguarded(const std::vector<std::string>& arguments, const Streams& strea
     commands.push_back({subcommand, std::move(command)});
   };
   add(std::make_unique<EncodeCommand>());
+  add(std::make_unique<DecodeCommand>());
+  add(std::make_unique<CheckCommand>());
   add(std::make_unique<DptsCommand>());
   add(std::make_unique<IdCommand>());
   add(std::make_unique<DemoCommand>());

@@ -1,6 +1,5 @@
 #include "ValueText.h"
 
-#include <Tal/KnxZelMapping.h>
 #include <Tal/TimeOfDay.h>
 
 #include <algorithm>
@@ -9,7 +8,6 @@
 #include <limits>
 
 #include "Cursor.h"
-#include "Quoted.h"
 
 namespace Talctl {
 namespace {
@@ -18,33 +16,50 @@ constexpr unsigned kAnyMain = 0;
 constexpr unsigned kSigned8 = 6;
 constexpr unsigned kColour = 232;
 
+enum class Roads { Both, Direct, Map };
+
 struct ExpectationRow {
   AroValueType type;
   unsigned main;
+  Roads roads;
   const char* text;
 };
 
 // The first row that fits counts.
 constexpr ExpectationRow kExpectations[] = {
-    {avtBool, kAnyMain, "true, false, on, off, 1 or 0"},
-    {avtByte, kSigned8, "a whole number from -128 to 255"},
-    {avtByte, 2, "a whole number from 0 to 255, of which the low two bits are sent"},
-    {avtByte, 3, "a whole number from 0 to 255, of which the low four bits are sent"},
-    {avtByte, 23, "a whole number from 0 to 255, of which the low two bits are sent"},
-    {avtByte, 17, "a scene number from 0 to 63"},
-    {avtByte, kAnyMain, "a whole number from 0 to 255"},
-    {avtWord, kAnyMain, "a whole number from 0 to 65535"},
-    {avtInteger, 8, "a whole number from -32768 to 32767"},
-    {avtInteger, kAnyMain, "a whole number from -2147483648 to 2147483647"},
-    {avtDWord, kColour, "a colour, #RRGGBB or a whole number of which the low 24 bits are sent"},
-    {avtDWord, kAnyMain, "a whole number from 0 to 4294967295"},
-    {avtFloat, 9, "a number from -671088.64 to 670760.96 with a decimal point, or nan"},
-    {avtFloat, kAnyMain, "a number with a decimal point, or nan, inf, -inf"},
-    {avtString, kAnyMain, "text in UTF-8"},
-    {avtDayTime, kAnyMain, "a time of day such as 12:30:15 or Mon 12:30:15"},
-    {avtDate, kAnyMain, "a date from 1990-01-01 to 2089-12-31, such as 2023-01-01"},
-    {avtDateTime, kAnyMain, "a date with time in the years 1400 to 9999, such as 2023-01-01T12:30:15"},
+    {avtBool, kAnyMain, Roads::Both, "true, false, on, off, 1 or 0"},
+    {avtByte, kSigned8, Roads::Direct, "a whole number from -128 to 255"},
+    {avtByte, 2, Roads::Direct, "a whole number from 0 to 255, of which the low two bits are sent"},
+    {avtByte, 3, Roads::Direct, "a whole number from 0 to 255, of which the low four bits are sent"},
+    {avtByte, 23, Roads::Direct, "a whole number from 0 to 255, of which the low two bits are sent"},
+    {avtByte, 17, Roads::Direct, "a scene number from 0 to 63"},
+    {avtByte, 26, Roads::Map, "a scene number from 0 to 63, plus 64 for an inactive scene"},
+    {avtByte, kSigned8, Roads::Map, "five status bits and a mode of 1, 2 or 4 in the low three bits"},
+    {avtByte, kAnyMain, Roads::Both, "a whole number from 0 to 255"},
+    {avtWord, kAnyMain, Roads::Direct, "a whole number from 0 to 65535"},
+    {avtWord, kAnyMain, Roads::Map, "a whole number from 0 to 4294967295, of which the low 16 bits are sent"},
+    {avtInteger, 8, Roads::Direct, "a whole number from -32768 to 32767"},
+    {avtInteger, 8, Roads::Map, "a whole number, of which the low 16 bits are sent"},
+    {avtInteger, kSigned8, Roads::Map, "a whole number, of which the low eight bits are sent"},
+    {avtInteger, kAnyMain, Roads::Both, "a whole number from -2147483648 to 2147483647"},
+    {avtDWord, kColour, Roads::Both, "a colour, #RRGGBB or a whole number of which the low 24 bits are sent"},
+    {avtDWord, kAnyMain, Roads::Both, "a whole number from 0 to 4294967295"},
+    {avtFloat, 9, Roads::Direct, "a number from -671088.64 to 670760.96 with a decimal point, or nan"},
+    {avtFloat, kAnyMain, Roads::Both, "a number with a decimal point, or nan, inf, -inf"},
+    {avtString, 4, Roads::Both, "a character of ISO 8859-1 (4.001: of ASCII) in UTF-8"},
+    {avtString, kAnyMain, Roads::Both, "text in UTF-8"},
+    {avtDayTime, kAnyMain, Roads::Both, "a time of day such as 12:30:15 or Mon 12:30:15"},
+    {avtTime, kAnyMain, Roads::Both, "a time of day such as 12:30:15 or Mon 12:30:15"},
+    {avtDate, kAnyMain, Roads::Both, "a date from 1990-01-01 to 2089-12-31, such as 2023-01-01"},
+    {avtDateTime, kAnyMain, Roads::Both, "a date with time in the years 1400 to 9999, such as 2023-01-01T12:30:15"},
 };
+
+/// Codecs that refuse to encode values outside the range of their row.
+bool IsConsulted(const Tal::DptDescription& row) {
+  constexpr const char* kCodecs[] = {"KnxConverterFloat16BitFloat", "KnxConverterSceneNumber"};
+  const bool is5006 = row.dpt.main == 5 && row.dpt.sub == 6;
+  return is5006 || std::find(std::begin(kCodecs), std::end(kCodecs), row.codec) != std::end(kCodecs);
+}
 
 struct BoolWord {
   const char* word;
@@ -159,9 +174,10 @@ bool ReadDayTime(Cursor& cursor, AROTIME& time) {
 
 bool ReadTime(std::string_view text, AroValueType type, AROTIME& time) {
   Cursor cursor(text);
-  const bool good = type == avtDayTime ? ReadDayTime(cursor, time)
-                    : type == avtDate  ? ReadCalendar(cursor, time)
-                                       : ReadCalendar(cursor, time) && (cursor.Word("T") || cursor.Word(" ")) &&
+  const bool isClock = type == avtDayTime || type == avtTime;
+  const bool good = isClock           ? ReadDayTime(cursor, time)
+                    : type == avtDate ? ReadCalendar(cursor, time)
+                                      : ReadCalendar(cursor, time) && (cursor.Word("T") || cursor.Word(" ")) &&
                                             ReadClock(cursor, time);
   return good && cursor.AtEnd();
 }
@@ -209,6 +225,7 @@ bool ReadContent(std::string_view text, unsigned main, AROVALUE& value) {
       return true;
     case avtString: value.text = text; return true;
     case avtDayTime:
+    case avtTime:
     case avtDate:
     case avtDateTime: return ReadTime(text, value.avt, value.time);
     default: return true;  // the library encodes no such type, whatever the content, and says so
@@ -240,23 +257,34 @@ std::string FormatDayTime(const AROTIME& time) {
 
 }  // namespace
 
-std::string Expectation(const Dpt& dpt) {
-  const AroValueType type = Tal::KnxZelMapping::GetAvtFromDpt(static_cast<unsigned>(dpt.Number()));
-  for (const ExpectationRow& row : kExpectations) {
-    if (row.type == type && (row.main == kAnyMain || row.main == dpt.main)) return row.text;
+std::string Expectation(const Dpt& dpt, Road road) {
+  const AroValueType type = ValueTypeOf(dpt, road);
+  const auto* const row = road == Road::Map ? FindDptRow(dpt) : nullptr;
+  if (row != nullptr && row->range && IsConsulted(*row)) {
+    return (type == avtFloat ? "a number from " : "a whole number from ") + FormatNumber(row->range->internalMin) +
+           " to " + FormatNumber(row->range->internalMax) + (dpt.main == 9 ? ", or nan" : "");
+  }
+  for (const ExpectationRow& expectation : kExpectations) {
+    const bool isRoad = expectation.roads == Roads::Both || (expectation.roads == Roads::Map) == (road == Road::Map);
+    const bool isMain = expectation.main == kAnyMain || expectation.main == dpt.main;
+    if (expectation.type == type && isRoad && isMain) return expectation.text;
   }
   return "nothing: " + std::to_string(dpt.main) + ".x has no values here";
 }
 
-bool ParseValue(std::string_view text, const Dpt& dpt, AROVALUE& value, std::string& error) {
+bool ParseValue(std::string_view text, const Dpt& dpt, AroValueType type, AROVALUE& value) {
   AROVALUE parsed;
-  parsed.avt = Tal::KnxZelMapping::GetAvtFromDpt(static_cast<unsigned>(dpt.Number()));
-  if (!ReadContent(text, dpt.main, parsed)) {
-    error = Quoted(text) + " is no value of " + FormatDpt(dpt) + ": expected " + Expectation(dpt);
-    return false;
-  }
+  parsed.avt = type;
+  if (!ReadContent(text, dpt.main, parsed)) return false;
   value = std::move(parsed);
   return true;
+}
+
+std::string FormatNumber(double number) {
+  AROVALUE value;
+  value.avt = avtFloat;
+  value.SetFloat(number);
+  return value.ToString();
 }
 
 std::string FormatValue(const AROVALUE& value) {
@@ -264,11 +292,16 @@ std::string FormatValue(const AROVALUE& value) {
     case avtBool: return value.GetBool() ? "true" : "false";
     case avtWord: return std::to_string(value.GetDWord());
     case avtString: return value.text;
-    case avtDayTime: return FormatDayTime(value.time);
+    case avtDayTime:
+    case avtTime: return FormatDayTime(value.time);
     case avtDate: return FormatCalendar(value.time);
     case avtDateTime: return FormatCalendar(value.time) + 'T' + FormatClock(value.time);
     default: return value.ToString();
   }
+}
+
+std::string FormatOneLine(const AROVALUE& value) {
+  return value.avt == avtString ? value.ToString() : FormatValue(value);
 }
 
 Json ToJson(const AROVALUE& value) {

@@ -8,24 +8,31 @@
 #include <string_view>
 
 #include "DptText.h"
+#include "Road.h"
 
 namespace Talctl {
 
 using Json = nlohmann::ordered_json;
 
-/// Reads a value of the type that @p dpt demands of AroValueToGroupValue(). Only what the type itself cannot hold is
-/// refused here; what a datapoint type takes of it is the library's to judge.
-/// @return  false, with what was expected in @p error.
-bool ParseValue(std::string_view text, const Dpt& dpt, AROVALUE& value, std::string& error);
+/// Reads a value of type @p type, which a road demands for @p dpt. Only what the type itself cannot hold is refused;
+/// what a datapoint type takes of it is the library's to judge.
+/// @return  false: the text is no such value, and @p value is as it was.
+bool ParseValue(std::string_view text, const Dpt& dpt, AroValueType type, AROVALUE& value);
 
-/// The text that ParseValue() takes back for a datapoint type of the value's type.
+/// What values of @p dpt look like on a road: "a whole number from 0 to 65535".
+std::string Expectation(const Dpt& dpt, Road road);
+
+/// The text that ParseValue() takes back for the value's type.
 std::string FormatValue(const AROVALUE& value);
+
+/// The shortest text of a number.
+std::string FormatNumber(double number);
+
+/// The text of a value with the control characters of a text as escapes.
+std::string FormatOneLine(const AROVALUE& value);
 
 /// Numbers, booleans and text as their JSON kinds; "nan", "inf" and "-inf", times and dates as text; null for no value.
 Json ToJson(const AROVALUE& value);
-
-/// What values of @p dpt look like: "a whole number from 0 to 65535".
-std::string Expectation(const Dpt& dpt);
 
 /// One line of @p json. Text that is not UTF-8 shows U+FFFD.
 std::string Line(const Json& json);

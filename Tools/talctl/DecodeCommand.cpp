@@ -1,0 +1,87 @@
+#include "Commands.h"
+
+namespace Talctl {
+namespace {
+
+void AddBitsOption(CLI::App& command, std::optional<unsigned>& bits) {
+  command
+      .add_option("--bits", bits,
+                  "Defined size of the group value (default: 8 bits an octet; 6, the bus's short form, for one octet "
+                  "of a type of at most six bits)")
+      ->type_name("N");
+}
+
+constexpr char kOctets[] =
+    "OCTETS are two hex digits each: 0C1A, 0c 1a or 0x0C1A. Without operands, answers lines `DPT OCTETS` from "
+    "standard\n"
+    "input one by one; blank lines and # comments are skipped, and a refused line is answered with `error: ` and the\n"
+    "reason.";
+
+void DescribeOctets(const Conversion& conversion, Json& json) {
+  if (conversion.groupValue) {
+    json["octets"] = Hex(conversion.groupValue->GetRawData());
+    json["bits"] = conversion.groupValue->GetDefinedSize();
+  } else if (!conversion.text.empty()) {
+    json["octets"] = conversion.text;  // as it was given
+  }
+}
+
+boost::optional<unsigned> ToBoost(const std::optional<unsigned>& bits) {
+  return bits ? boost::make_optional(*bits) : boost::none;
+}
+
+}  // namespace
+
+CLI::App* DecodeCommand::AddTo(CLI::App& app) {
+  CLI::App* const command = app.add_subcommand("decode", "Octets from the bus to the value that they stand for");
+  SetHelp(*command, {"[DPT OCTETS]"},
+          std::string("Prints the value that OCTETS stand for as datapoint type DPT, in the form that `encode` takes; "
+                      "control\ncharacters of a text as escapes. ") +
+              kOctets);
+  AddRoadOption(*command, m_road);
+  AddBitsOption(*command, m_bits);
+  command->footer(
+      "Examples:\n  talctl decode 9.001 0C1A               21\n  talctl decode 6.001 FF --road map      -1\n"
+      "  talctl decode 1.001 01 --bits 6        true\n  printf '9.001 0C1A\\n5.010 FF\\n' | talctl decode --json");
+  return command;
+}
+
+Conversion DecodeCommand::Convert(std::string_view dpt, std::string_view rest, ReasonLog& log) const {
+  return Decode(dpt, rest, ToBoost(m_bits), m_road, log);
+}
+
+std::string DecodeCommand::Text(const Conversion& conversion) const { return FormatOneLine(*conversion.value); }
+
+void DecodeCommand::Describe(const Conversion& conversion, Json& json) const {
+  DescribeOctets(conversion, json);
+  if (!conversion.value) return;
+  json["value"] = ToJson(*conversion.value);
+  json["type"] = AROVALUE::GetNameFromValueType(conversion.value->avt);
+}
+
+CLI::App* CheckCommand::AddTo(CLI::App& app) {
+  CLI::App* const command = app.add_subcommand("check", "Whether octets from the bus can be decoded");
+  SetHelp(*command, {"[DPT OCTETS]"},
+          std::string("Prints `valid` when the table of datapoint types decodes OCTETS as DPT; a type that it does not "
+                      "know is\ntaken for valid. ") +
+              kOctets);
+  AddBitsOption(*command, m_bits);
+  command->footer("Examples:\n  talctl check 9.001 0C1A\n  talctl check 9.001 0C               # refused: 8 bits");
+  return command;
+}
+
+Conversion CheckCommand::Convert(std::string_view dpt, std::string_view rest, ReasonLog& log) const {
+  return Check(dpt, rest, ToBoost(m_bits), log);
+}
+
+std::string CheckCommand::Text(const Conversion& conversion) const {
+  return FindDptRow(*conversion.dpt) != nullptr ? "valid" : "valid (not in the table, so not checked)";
+}
+
+void CheckCommand::Describe(const Conversion& conversion, Json& json) const {
+  DescribeOctets(conversion, json);
+  json["valid"] = conversion.error.empty();
+  json["checked"] = conversion.dpt && FindDptRow(*conversion.dpt) != nullptr;
+}
+
+}  // namespace Talctl

@@ -1,0 +1,64 @@
+#include "Road.h"
+
+#include <algorithm>
+
+#include "Cursor.h"
+
+namespace Talctl {
+
+const char* NameOf(Road road) { return road == Road::Direct ? "direct" : "map"; }
+
+void AddRoadOption(CLI::App& command, Road& road) {
+  const auto set = [&road](const std::string& name) {
+    road = SameText(name, NameOf(Road::Map)) ? Road::Map : Road::Direct;
+  };
+  command
+      .add_option_function<std::string>("--road", set,
+                                        "direct (one-step functions, the default) or map (table of datapoint types)")
+      ->type_name("ROAD")
+      ->check(CLI::IsMember({NameOf(Road::Direct), NameOf(Road::Map)}, CLI::ignore_case));
+}
+
+const std::vector<Tal::MainTypeDescription>& MainTypes() {
+  static const auto rows = Tal::DescribeMainTypes();
+  return rows;
+}
+
+const std::vector<Tal::DptDescription>& DptTable() {
+  static const auto rows = Tal::DescribeDptTable();
+  return rows;
+}
+
+const Tal::MainTypeDescription* FindMainType(const Dpt& dpt) {
+  const auto row =
+      std::find_if(MainTypes().begin(), MainTypes().end(), [&](const auto& r) { return r.main == dpt.main; });
+  return row == MainTypes().end() ? nullptr : &*row;
+}
+
+const Tal::DptDescription* FindDptRow(const Dpt& dpt) {
+  const Tal::DptDescription* found = nullptr;
+  for (const Tal::DptDescription& row : DptTable()) {
+    if (row.dpt.main != dpt.main) continue;
+    if (row.dpt.sub == dpt.sub) return &row;
+    if (row.dpt.sub == 0) found = &row;
+  }
+  return found;
+}
+
+AroValueType ValueTypeOf(const Dpt& dpt, Road road) {
+  if (road == Road::Direct) {
+    const auto* const row = FindMainType(dpt);
+    return row != nullptr ? row->valueType : avtEmpty;
+  }
+  const auto* const row = FindDptRow(dpt);
+  return row != nullptr ? row->valueType : avtEmpty;
+}
+
+Tal::KnxValueConverter& MapConverter() {
+  static Tal::KnxValueConverter converter;
+  static const bool isFilled = (converter.Init(), true);
+  static_cast<void>(isFilled);
+  return converter;
+}
+
+}  // namespace Talctl
