@@ -22,7 +22,8 @@ std::vector<DptDescription> DescribeDptTable() {
   std::vector<DptDescription> descriptions;
   for (const DptRow& row : kDptRows) {
     const auto codec = row.makeCodec(row.bounds);
-    const std::string name = boost::core::demangle(typeid(*codec).name());
+    const KnxConverter& object = *codec;
+    const std::string name = boost::core::demangle(typeid(object).name());
     DptDescription description{
         {row.bits, row.main, row.sub}, row.valueType, row.subType, name.substr(name.rfind(':') + 1), boost::none};
     const Bounds& bounds = row.bounds;

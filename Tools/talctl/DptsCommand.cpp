@@ -29,8 +29,8 @@ Row Describe(const Tal::MainTypeDescription& main) {
   const Dpt dpt{main.main, 0};
   AROVALUE value;
   value.Deserialize(Tal::KnxZelMapping::GetDefaultValueFromDpt(dpt.Number(), true));
-  boost::optional<KnxStack::GroupValue> groupValue;
-  if (main.isEncoded) groupValue = Tal::AroValueToGroupValue(value, dpt.Number());
+  unsigned bits = 0;  // as the group value's setter makes them
+  if (main.isEncoded) bits = Tal::AroValueToGroupValue(value, dpt.Number()).value().GetDefinedSize();
   const char* const type = AROVALUE::GetNameFromValueType(main.valueType);
   const char* const subType = AroDP::GetNameFromValueSubType(main.subType);
   const std::string text = main.valueType == avtString ? "''" : FormatValue(value);
@@ -39,7 +39,7 @@ Row Describe(const Tal::MainTypeDescription& main) {
   row.cells = {std::to_string(main.main) + ".x",
                type,
                subType,
-               groupValue ? std::to_string(groupValue->GetDefinedSize()) : "-",
+               main.isEncoded ? std::to_string(bits) : "-",
                text.empty() ? "-" : text,
                main.isEncoded   ? Expectation(dpt, Road::Direct)
                : main.isDecoded ? "received only"
@@ -49,7 +49,7 @@ Row Describe(const Tal::MainTypeDescription& main) {
   row.json["subType"] = subType;
   row.json["encoded"] = main.isEncoded;
   row.json["decoded"] = main.isDecoded;
-  row.json["bits"] = groupValue ? Json(groupValue->GetDefinedSize()) : Json();
+  row.json["bits"] = main.isEncoded ? Json(bits) : Json();
   row.json["default"] = ToJson(value);
   return row;
 }
