@@ -58,11 +58,11 @@ void SetScaleFactor(const CallSite& site, const ScaleTexts& texts, double intern
   }
 }
 
-/// Difference of two bounds in 64 bits, where no bound of 32 bits overflows; wider bounds are taken as doubles.
+/// Difference of two bounds, exact in 64 bits before it is rounded to a double: 0 for equal bounds only.
 double Span(std::int64_t min, std::int64_t max) {
-  constexpr std::int64_t kHalf = std::numeric_limits<std::int64_t>::max() / 2;
-  const bool fits = min >= -kHalf && min <= kHalf && max >= -kHalf && max <= kHalf;
-  return fits ? static_cast<double>(max - min) : static_cast<double>(max) - static_cast<double>(min);
+  const auto a = static_cast<std::uint64_t>(min);
+  const auto b = static_cast<std::uint64_t>(max);
+  return max >= min ? static_cast<double>(b - a) : -static_cast<double>(a - b);
 }
 
 /// The low 32 bits of a bound as a signed number.
@@ -284,6 +284,7 @@ bool KnxConverter4Bit::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, Grou
 bool KnxConverter4Bit::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
   LogDecodeEntry(TAL_HERE, dpt, groupValue);
   if (dpt.main != 3) return Refuse(TAL_HERE, "Wrong DPT main number (3.x)!");
+  // Deliberate: the type stays what the row says, avtFloat; the payload is this byte.
   value.SetByte(groupValue.GetAsUnsigned4());
   return true;
 }
@@ -691,6 +692,7 @@ bool KnxConverterSceneControl::FromKnxValue(const KNXDPT& dpt, const GroupValue&
   if (dpt.main != 18 || dpt.sub != 1) return Refuse(TAL_HERE, "Wrong DPT for Scene number, only 18.001 is valid.");
   const std::uint8_t octet = groupValue.GetAsUnsigned8();
   if ((octet & 0x40) != 0) return Refuse(TAL_HERE, kReservedBit);
+  // Deliberate: the type stays what the row says, avtInteger; the payload is this byte.
   value.SetByte(octet);
   return true;
 }

@@ -20,8 +20,9 @@ DptValueEntry::~DptValueEntry() = default;
 
 namespace {
 
-const DptValueMap::MainMap& NoRows() {
-  static const DptValueMap::MainMap rows;
+/// Shared by all tables without rows; the reference that stays here makes each copy it before it changes.
+const std::shared_ptr<DptValueMap::MainMap>& NoRows() {
+  static const auto rows = std::make_shared<DptValueMap::MainMap>();
   return rows;
 }
 
@@ -33,15 +34,12 @@ const DptValueEntry& FallbackEntry() {
 
 }  // namespace
 
-DptValueMap::DptValueMap() : m_rows(&NoRows()) {}
+DptValueMap::DptValueMap() : m_rows(NoRows()) {}
 DptValueMap::~DptValueMap() = default;
 
 DptValueMap::MainMap& DptValueMap::OwnRows() {
-  if (!m_own) {
-    m_own = std::make_unique<MainMap>(*m_rows);
-    m_rows = m_own.get();
-  }
-  return *m_own;
+  if (m_rows.use_count() > 1) m_rows = std::make_shared<MainMap>(*m_rows);
+  return *m_rows;
 }
 
 bool DptValueMap::Insert(const DptValueEntry& entry) {
@@ -50,14 +48,9 @@ bool DptValueMap::Insert(const DptValueEntry& entry) {
   return true;
 }
 
-void DptValueMap::Clear() { ShareRows(NoRows()); }
+void DptValueMap::Clear() { m_rows = NoRows(); }
 
-void DptValueMap::ShareRowsOf(const DptValueMap& standard) { ShareRows(standard.Rows()); }
-
-void DptValueMap::ShareRows(const MainMap& rows) {
-  m_rows = &rows;
-  m_own.reset();
-}
+void DptValueMap::ShareRowsOf(const DptValueMap& standard) { m_rows = standard.m_rows; }
 
 const DptValueEntry& DptValueMap::GetEntry(const KNXDPT& dpt) const {
   constexpr char kNoEntry[] = "No Entry found for DPT = ";
@@ -84,14 +77,14 @@ namespace {
 /// static objects.
 const DptValueMap& StandardMap(const CallSite& site) {
   static const DptValueMap* const standard = [&] {
-    auto* const map = new DptValueMap;
+    auto map = std::make_unique<DptValueMap>();
     for (const DptRow& row : kDptRows) {
       const auto codec = row.makeCodec(row.bounds);
       if (!map->Insert({{row.bits, row.main, row.sub}, row.valueType, row.subType, codec.get()})) {
         TAL_LOG_AT(Error, site) << "Add DPT value map entry failed. DPT=" << DptLabel(row);
       }
     }
-    return map;
+    return map.release();
   }();
   return *standard;
 }

@@ -286,5 +286,22 @@ TEST(TalKnxValueConverter, ConvertsSerialisedTextBothWays) {
   EXPECT_EQ(text, "3.7:21");
 }
 
+TEST(DptValueMap, SharesRowsWithoutDependingOnWhereTheyCameFrom) {
+  const Tal::DptValueEntry row({8, 300, 7}, avtByte, AroDP::astGeneric, nullptr);
+  const Tal::DptValueEntry other({8, 300, 8}, avtWord, AroDP::astGeneric, nullptr);
+  Tal::DptValueMap map;
+  {
+    Tal::DptValueMap source;
+    source.Insert(row);
+    source.ShareRowsOf(source);
+    map.ShareRowsOf(source);
+    source.Insert(other);
+    EXPECT_EQ(source.Rows().at(300).size(), 2u);
+    source.Clear();
+  }
+  EXPECT_EQ(map.Rows().at(300).size(), 1u);
+  EXPECT_EQ(map.GetEntry({8, 300, 7}).GetValueType(), avtByte);
+}
+
 }  // namespace
 }  // namespace TalTest

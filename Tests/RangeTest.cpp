@@ -35,6 +35,8 @@ TEST(Range, ScaleFactorIsExternalByInternalSpan) {
   EXPECT_EQ(IntegerRange(kMin32, kMax32, kMin32, kMax32).ScaleFactor(), 1.0);
   EXPECT_EQ(LongIntegerRange(0, 4294967295, 0, 1).ScaleFactor(), 1 / 4294967295.0);
   EXPECT_EQ(LongIntegerRange(kMin64, kMax64, 0, 1).ScaleFactor(), 1 / 18446744073709551616.0);
+  EXPECT_EQ(LongIntegerRange(kMax64 - 10, kMax64, 0, 100).ScaleFactor(), 10.0);
+  EXPECT_EQ(LongIntegerRange(kMin64 + 10, kMin64, 0, 100).ScaleFactor(), -10.0);
   EXPECT_EQ(FloatIntegerRange(-100, 100, 0, 15).ScaleFactor(), 15.0 / 200.0);
   EXPECT_EQ(FloatIntegerRange().ScaleFactor(), 4294967295.0 / (670760.96 + 671088.64));
   EXPECT_EQ(FloatRange(10, -10, 5, 0).ScaleFactor(), 0.25);  // either order of bounds

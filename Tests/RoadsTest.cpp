@@ -4,11 +4,13 @@
 #include <Tal/KnxZelMapping.h>
 #include <gmock/gmock.h>
 
+#include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/split.hpp>
 #include <boost/algorithm/string/trim.hpp>
 #include <fstream>
 #include <limits>
 #include <map>
+#include <set>
 
 #include "Support/LogCapture.h"
 #include "Support/Values.h"
@@ -67,7 +69,7 @@ AROVALUE Probe(AroValueType type, std::int64_t number) {
 
 struct Row {
   std::string types, encoded, decoded;
-  bool differs = false;
+  std::set<std::string> differences;
 };
 
 std::string Who(bool direct, bool map) { return direct && map ? "both" : direct ? "direct" : map ? "map" : "neither"; }
@@ -78,15 +80,16 @@ Row Observe(std::uint16_t main) {
   bool encodes[2] = {};
   bool decodes[2] = {};
   Row row;
-  const auto note = [&](const std::string& direct, const std::string& map, bool(&does)[2]) {
+  const auto note = [&](const char* way, const std::string& direct, const std::string& map, bool(&does)[2]) {
     does[0] = does[0] || !direct.empty();
     does[1] = does[1] || !map.empty();
-    row.differs = row.differs || direct != map;
+    if (direct == map) return;
+    row.differences.insert(std::string(way) + (map.empty() ? " direct" : direct.empty() ? " map" : " other"));
   };
   for (const unsigned sub : {1u, 0u, 2u, 6u, 20u, 102u}) {
     const KNXDPT dpt{0, main, static_cast<std::uint16_t>(sub)};
     const auto encode = [&](const AROVALUE& direct, const AROVALUE& map) {
-      note(EncodedOn(false, dpt, direct), EncodedOn(true, dpt, map), encodes);
+      note("E", EncodedOn(false, dpt, direct), EncodedOn(true, dpt, map), encodes);
     };
     for (const int number : {0, 1, 4, 5, 12, 63, 64, 128, 254, 255, 32768, 65535, 65536, -1, -300}) {
       encode(Probe(directType, number), Probe(mapType, number));
@@ -104,7 +107,7 @@ Row Observe(std::uint16_t main) {
            {GroupValue({o}, 6), GroupValue({o}, 8), GroupValue({o, 0xFF}, 16), GroupValue({1, 1, o}, 24),
             GroupValue({o, 1, 1, 2}, 32), GroupValue({123, 1, 1, hour, 30, 15, 0x20, 0}, 64),
             GroupValue({o, 0xE9, 0, 'x', 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}, 112)}) {
-        note(DecodedOn(false, dpt, groupValue), DecodedOn(true, dpt, groupValue), decodes);
+        note("D", DecodedOn(false, dpt, groupValue), DecodedOn(true, dpt, groupValue), decodes);
       }
     }
   }
@@ -115,17 +118,17 @@ Row Observe(std::uint16_t main) {
   return row;
 }
 
-/// The rows of the page's table by main type, as "types|encoded|decoded|same or differs".
+/// The rows of the page's table by main type, as "types|encoded|decoded|differences".
 std::map<unsigned, std::string> ReadPage() {
   std::map<unsigned, std::string> rows;
   std::ifstream page(TAL_ROADS_PAGE);
   for (std::string line; std::getline(page, line);) {
     std::vector<std::string> cells;
     boost::split(cells, line, [](char c) { return c == '|'; });
-    if (cells.size() != 7 || cells[1].find(".x") == std::string::npos) continue;
+    if (cells.size() != 8 || cells[1].find(".x") == std::string::npos) continue;
     for (std::string& cell : cells) boost::trim(cell);
-    rows[static_cast<unsigned>(std::stoul(cells[1]))] =
-        cells[2] + '|' + cells[3] + '|' + cells[4] + '|' + (cells[5] == "none" ? "same" : "differs");
+    rows[static_cast<unsigned>(std::stoul(cells[1]))] = cells[2] + '|' + cells[3] + '|' + cells[4] + '|' + cells[5];
+    EXPECT_EQ(cells[5] == "none", cells[6] == "-") << line;
   }
   return rows;
 }
@@ -136,7 +139,8 @@ TEST(Roads, DoForEveryMainTypeWhatThePageSays) {
   for (std::uint16_t main = 1; main <= 300; ++main) {  // 0 is no datapoint type
     const Row row = Observe(main);
     if (row.types == "-" && row.encoded == "neither" && row.decoded == "neither") continue;
-    observed[main] = row.types + '|' + row.encoded + '|' + row.decoded + '|' + (row.differs ? "differs" : "same");
+    observed[main] = row.types + '|' + row.encoded + '|' + row.decoded + '|' +
+                     (row.differences.empty() ? "none" : boost::join(row.differences, ", "));
   }
   auto page = ReadPage();
   for (const auto& [main, row] : observed) {

@@ -10,8 +10,8 @@
 
 namespace Tal {
 
-/// What a row of the DPT table converts with. The interface is for everyone; the codecs below live in the library, which
-/// hands them out through KnxValueConverter::GetEntry().
+/// What a row of the DPT table converts with. The interface is for everyone; the codecs below live in the library,
+/// which hands them out through KnxValueConverter::GetEntry().
 ///
 /// ToKnxValue() writes the group value and returns true, or leaves it alone and returns false after one ERROR record.
 /// FromKnxValue() writes the value and returns true, or returns false after one ERROR record; a codec that does not set

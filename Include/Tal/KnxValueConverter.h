@@ -56,7 +56,7 @@ class TALOBJECTMODEL_EXPORT DptValueMap {
   /// Removes every row.
   void Clear();
 
-  /// Takes the rows of @p standard, which must outlive this table, without copying them before this table changes.
+  /// Takes the rows of @p standard. They are copied only when one of the two tables changes.
   void ShareRowsOf(const DptValueMap& standard);
 
   /// The row of exactly main.sub, else of the main type (sub 0), else the fallback row (type avtEmpty, raw codec) after
@@ -68,10 +68,8 @@ class TALOBJECTMODEL_EXPORT DptValueMap {
 
  private:
   MainMap& OwnRows();
-  void ShareRows(const MainMap& rows);
 
-  std::unique_ptr<MainMap> m_own;  ///< none while the rows are another table's
-  const MainMap* m_rows;
+  std::shared_ptr<MainMap> m_rows;  ///< perhaps another table's too; never null
 };
 
 /// Converts values to group values and back with the codec that a table names for the datapoint type.
@@ -79,8 +77,9 @@ class TALOBJECTMODEL_EXPORT DptValueMap {
 /// A datapoint type that is not given (main 0) is chosen: for a value from its type and the size in bits, for a group
 /// value from its size. It is written into the caller's KNXDPT and stays there also when the conversion then fails.
 ///
-/// No exception leaves ToKnxValue() and FromKnxValue(): each failure is false after one ERROR record (INFO when no type
-/// could be chosen). After Init() conversions may run on several threads; Init() and adding rows must be alone.
+/// No exception leaves ToKnxValue() and FromKnxValue(): a failure is false after ERROR records, the codec's own first;
+/// when no type could be chosen, after an INFO record, with an ERROR record behind it on decoding. After Init()
+/// conversions may run on several threads; Init() and adding rows must be alone.
 class TALOBJECTMODEL_EXPORT KnxValueConverter {
  public:
   /// Starts without rows: every conversion then succeeds and writes nothing. Call Init().
@@ -90,20 +89,21 @@ class TALOBJECTMODEL_EXPORT KnxValueConverter {
   /// Fills the table with the standard rows; rows that were added are gone.
   void Init();
 
-  /// Adds a row with a clone of @p converter: the codec of another row (GetEntry()), or one of the caller's own class. A
-  /// row that is there already stays as it is.
+  /// Adds a row with a clone of @p converter: the codec of another row (GetEntry()), or one of the caller's own class.
+  /// A row that is there already stays as it is.
   /// @return  true when the table now has a row for main and sub.
   bool AddDptValueMapEntry(unsigned short main, unsigned short sub, unsigned char size, AroValueType avt,
                            AroDP::AroValueSubType ast, const KnxConverter& converter);
 
-  /// Encodes @p value. Its type must suit the row's; type 0 ("no value") suits every row. A datapoint type without a
-  /// row is taken for valid: two ERROR records, true, and nothing is written.
+  /// Encodes @p value. Its type must suit the row's; type 0 ("no value") suits every row, and its codec
+  /// judges it. A datapoint type without a row is taken for valid: ERROR records, true, and nothing is written.
   /// @return  false: @p groupValue is as it was, except where the row's codec says otherwise.
   bool ToKnxValue(KNXDPT& dpt, const AROVALUE& value, KnxStack::GroupValue& groupValue);
 
   /// Decodes @p groupValue, whose size in bits must be the main type's; sizes up to 6 bits count as one. A datapoint
-  /// type without a row is taken for valid: two ERROR records, true, and a value of type avtEmpty.
-  /// @return  false: the type of @p value is the row's, its content may have been written.
+  /// type without a row is taken for valid: ERROR records, true, and a value of type avtEmpty.
+  /// @return  false: @p value is as it was when no datapoint type could be chosen; else its type is the row's, and its
+  ///          content may have been written.
   bool FromKnxValue(KNXDPT& dpt, const KnxStack::GroupValue& groupValue, AROVALUE& value);
 
   /// True when a value of type @p valueType may be written to a row of type @p entryType; not symmetric: a date with

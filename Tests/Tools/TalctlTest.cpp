@@ -69,7 +69,7 @@ TEST(TalctlEncode, PrintsTheOctetsOfOneValue) {
       {"19.001|2023-01-01 12:30:15", "7B0101EC1E0F2000"}, {"16.000|Gr\u00FC\u00DFe \u20AC", "4772FCDF65205F00000000000000"},
       {"16.001|-text", "2D74657874000000000000000000"}, {"16.001|[a,b]", "5B612C625D000000000000000000"},
       {"16.001|id", "6964000000000000000000000000"}, {"16.001|a|b", "6120620000000000000000000000"},
-      {"16.001|--|--json", "2D2D6A736F6E0000000000000000"}, {"16.001|", "0000000000000000000000000000"}});
+      {"16.001|--|--json", "2D2D6A736F6E0000000000000000"}, {"16.001|\\x20\\\\n\\q\\n\\x0g", "205C6E5C710A5C78306700000000"}, {"16.001|", "0000000000000000000000000000"}});
   Expect("encode|--road|map|", {{"4.001|A", "41"}, {"6.001|-1", "FF"}, {"17.001|63", "3F"}, {"10.001|Sun 23:59:59", "F73B3B"}});
   // clang-format on
 }
@@ -78,7 +78,7 @@ TEST(TalctlEncode, RefusesWithTheReasonAndWhatToDo) {
   const std::string float32 = "expected a number with a decimal point, or nan, inf, -inf";
   const std::string byte = "expected a whole number from 0 to 255";
   const std::string dayTime = "expected a time of day such as 12:30:15 or Mon 12:30:15";
-  const std::string dateTime = "expected a date with time in the years 1400 to 9999, such as 2023-01-01T12:30:15";
+  const std::string dateTime = "expected a date with time such as 2023-01-01T12:30:15; the years 1900 to 2155 keep their century";
   const std::string x80 = "x1234567890123456789012345678901234567890123456789012345678901234567890123456789";
   // clang-format off
   Expect("encode|", {
@@ -125,6 +125,9 @@ TEST(TalctlDecode, PrintsTheValueInTheFormThatEncodeTakesOrWhyThereIsNone) {
       {"10.001|F73B3B", "Sun 23:59:59"}, {"10.001|010203|--road|map", "01:02:03"}, {"19.001|7B0101EC1E0F2000", "2023-01-01T12:30:15"},
       {"232.600|123456", "1193046"}, {"4.002|E9|--road|map", "\u00E9"}, {"31.001|05", "5"}, {"14.001|FF800000", "-inf"},
       {"16.001|41|0A|9B|00|00|00|00|00|00|00|00|00|00|00", "A\\n\\xC2\\x9B"},
+      {"16.001|20|5C|6E|00|00|00|00|00|00|00|00|00|00|00", "\\x20\\\\n"}, {"4.001|00|--road|map", "\\x00"},
+      {"0|0B|--bits|4|--road|map", "11"}, {"0|0C1A|--road|map", "21"},
+      {"18.002|05", "error: Wrong DPT for Scene number, only 18.001 is valid: they can be read as 18.001"},
       {"9.001|0C", "error: " + kWrongSize}, {"9.001|0C1A|--bits|8", "error: " + kWrongSize},
       {"1.001|01|--bits|8", "error: Failed to convert a GroupValue for DPT 1.1 because of unexpected bit size: 8, expected: 1: 1.001 has "
                             "1 bit in 1 octet"},

@@ -38,7 +38,7 @@ class DecodeCommand final : public LineCommand {
 
  private:
   Road m_road = Road::Direct;
-  std::optional<unsigned> m_bits;
+  std::optional<std::string> m_bits;
 };
 
 /// `check [DPT OCTETS]`: whether octets can be decoded.
@@ -53,7 +53,7 @@ class CheckCommand final : public LineCommand {
   const char* OperandName() const override { return "OCTETS"; }
 
  private:
-  std::optional<unsigned> m_bits;
+  std::optional<std::string> m_bits;
 };
 
 /// `dpts [DPT...]`: what the library knows of datapoint types.

@@ -26,19 +26,22 @@ boost::optional<GroupValue> EncodeOn(Road road, const Dpt& dpt, const AROVALUE& 
 }
 
 /// The value, or nothing. May throw what the calendar throws.
-boost::optional<AROVALUE> DecodeOn(Road road, const Dpt& dpt, const GroupValue& groupValue) {
+/// A datapoint type that is not given (main 0) is the one that the map chooses.
+boost::optional<AROVALUE> DecodeOn(Road road, Dpt& dpt, const GroupValue& groupValue) {
   if (road == Road::Direct) return Tal::GroupValueToAroValue(groupValue, dpt.Number());
   KNXDPT knxDpt = ToKnxDpt(dpt, groupValue.GetDefinedSize());
   AROVALUE value;
-  if (!MapConverter().FromKnxValue(knxDpt, groupValue, value)) return boost::none;
+  const bool isDecoded = MapConverter().FromKnxValue(knxDpt, groupValue, value);
+  dpt = {knxDpt.main, knxDpt.sub};
+  if (!isDecoded) return boost::none;
   // Deliberate: 3.x comes back as a byte under the type avtFloat; shown as the number it is.
-  if (dpt.main == 3) value.avt = avtByte;
+  if (knxDpt.main == 3) value.avt = avtByte;
   return value;
 }
 
 bool HasContent(const AROVALUE& value) { return value.avt != avtInvalid && value.avt != avtEmpty; }
 
-bool Decodes(Road road, const Dpt& dpt, const GroupValue& groupValue) {
+bool Decodes(Road road, Dpt dpt, const GroupValue& groupValue) {
   const ReasonLog::Pause pause;
   try {
     const auto value = DecodeOn(road, dpt, groupValue);
@@ -46,6 +49,11 @@ bool Decodes(Road road, const Dpt& dpt, const GroupValue& groupValue) {
   } catch (const std::exception&) {
     return false;
   }
+}
+
+/// True when a road reads some octet of this datapoint type.
+bool IsDecodedAtAll(const Dpt& dpt, Road road) {
+  return Decodes(road, dpt, GroupValue({0}, 8)) || Decodes(road, dpt, GroupValue({1}, 8));
 }
 
 std::string MainLabel(const Dpt& dpt) { return std::to_string(dpt.main) + ".x"; }
@@ -72,7 +80,10 @@ std::string DecodeAdvice(const Dpt& dpt, const GroupValue& groupValue, Road road
   if (FindMainType(dpt) == nullptr && FindDptRow(dpt) == nullptr) {
     return MainLabel(dpt) + " is not known; `talctl dpts` lists what is";
   }
-  return "check that the sender uses " + FormatDpt(dpt);
+  const Dpt first{dpt.main, 1};
+  return !IsDecodedAtAll(dpt, road) && Decodes(road, first, groupValue)
+             ? "they can be read as " + FormatDpt(first)
+             : "check that the sender uses " + FormatDpt(dpt);
 }
 
 /// The library's reason without what ends its sentence, or else @p silent; then what to do.
@@ -148,11 +159,15 @@ std::string Hex(const KnxStack::BinaryData& octets) {
 
 bool CanEncode(const Dpt& dpt, Road road) {
   const ReasonLog::Pause pause;
-  AROVALUE probe;  // 0, false, an empty text or a plain date: what every range holds
-  probe.avt = ValueTypeOf(dpt, road);
-  probe.time.SetDate(2000, 1, 1);
-  const auto groupValue = EncodeOn(road, dpt, probe);
-  return groupValue && !groupValue->GetRawData().empty();
+  for (const unsigned number : {0u, 1u}) {  // one of them, false, an empty text or a plain date is in every range
+    AROVALUE probe;
+    probe.avt = ValueTypeOf(dpt, road);
+    probe.time.SetDate(2000, 1, 1);
+    probe.SetPayload(number);
+    const auto groupValue = EncodeOn(road, dpt, probe);
+    if (groupValue && !groupValue->GetRawData().empty()) return true;
+  }
+  return false;
 }
 
 Conversion Encode(std::string_view dptText, std::string_view valueText, Road road, ReasonLog& log) {
@@ -168,7 +183,8 @@ Conversion Encode(std::string_view dptText, std::string_view valueText, Road roa
     return conversion;
   }
   AROVALUE value;
-  if (!ParseValue(valueText, dpt, type, value)) {
+  const std::string plain = type == avtString ? Unescaped(valueText) : std::string(valueText);
+  if (!ParseValue(plain, dpt, type, value)) {
     conversion.error = Quoted(valueText) + " is no value of " + FormatDpt(dpt) + ": " + EncodeAdvice(dpt, road);
     return conversion;
   }
@@ -199,14 +215,16 @@ Conversion Decode(std::string_view dptText, std::string_view octets, boost::opti
   return decoded;
 }
 
-Conversion Decode(const Dpt& dpt, const GroupValue& groupValue, Road road, ReasonLog& log) {
+Conversion Decode(const Dpt& given, const GroupValue& groupValue, Road road, ReasonLog& log) {
   Conversion conversion;
-  conversion.dpt = dpt;
+  Dpt dpt = given;
   conversion.groupValue = groupValue;
+  conversion.dpt = dpt;
   const std::string silent = "the octets are refused for " + FormatDpt(dpt);
   log.Clear();
   try {
     conversion.value = DecodeOn(road, dpt, groupValue);
+    conversion.dpt = dpt;
     if (conversion.value && HasContent(*conversion.value)) return conversion;
     conversion.error = conversion.value ? ExplainNothing(dpt, groupValue, *conversion.value, road)
                                         : Explain(log.FirstReason(), silent, DecodeAdvice(dpt, groupValue, road));
@@ -220,6 +238,10 @@ Conversion Decode(const Dpt& dpt, const GroupValue& groupValue, Road road, Reaso
 Conversion Check(std::string_view dptText, std::string_view octets, boost::optional<unsigned> bits, ReasonLog& log) {
   Conversion conversion;
   if (!ReadGroupValue(dptText, octets, bits, conversion)) return conversion;
+  KNXDPT bySize = ToKnxDpt({}, conversion.groupValue->GetDefinedSize());
+  if (conversion.dpt->main == 0 && MapConverter().GetDefaultMappingDptForSize(bySize)) {
+    conversion.dpt = Dpt{bySize.main, bySize.sub};
+  }
   log.Clear();
   if (!Tal::CheckGroupValue(*conversion.groupValue, conversion.dpt->Number())) {
     conversion.error = Explain(log.FirstReason(), "the octets are refused for " + FormatDpt(*conversion.dpt),

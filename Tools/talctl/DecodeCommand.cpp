@@ -1,14 +1,17 @@
 #include "Commands.h"
+#include "Cursor.h"
+#include "Quoted.h"
 
 namespace Talctl {
 namespace {
 
-void AddBitsOption(CLI::App& command, std::optional<unsigned>& bits) {
+void AddBitsOption(CLI::App& command, std::optional<std::string>& bits) {
   command
       .add_option("--bits", bits,
                   "Defined size of the group value (default: 8 bits an octet; 6, the bus's short form, for one octet "
                   "of a type of at most six bits)")
-      ->type_name("N");
+      ->type_name("N")
+      ->expected(1);
 }
 
 constexpr char kOctets[] =
@@ -26,8 +29,12 @@ void DescribeOctets(const Conversion& conversion, Json& json) {
   }
 }
 
-boost::optional<unsigned> ToBoost(const std::optional<unsigned>& bits) {
-  return bits ? boost::make_optional(*bits) : boost::none;
+boost::optional<unsigned> ReadBits(const std::optional<std::string>& text) {
+  if (!text) return boost::none;
+  Cursor cursor(*text);
+  unsigned bits = 0;
+  if (cursor.Number(bits) && cursor.AtEnd()) return bits;
+  throw WrongUse("--bits: " + Quoted(*text) + " is no number of bits");
 }
 
 }  // namespace
@@ -47,7 +54,7 @@ CLI::App* DecodeCommand::AddTo(CLI::App& app) {
 }
 
 Conversion DecodeCommand::Convert(std::string_view dpt, std::string_view rest, ReasonLog& log) const {
-  return Decode(dpt, rest, ToBoost(m_bits), m_road, log);
+  return Decode(dpt, rest, ReadBits(m_bits), m_road, log);
 }
 
 std::string DecodeCommand::Text(const Conversion& conversion) const { return FormatOneLine(*conversion.value); }
@@ -71,7 +78,7 @@ CLI::App* CheckCommand::AddTo(CLI::App& app) {
 }
 
 Conversion CheckCommand::Convert(std::string_view dpt, std::string_view rest, ReasonLog& log) const {
-  return Check(dpt, rest, ToBoost(m_bits), log);
+  return Check(dpt, rest, ReadBits(m_bits), log);
 }
 
 std::string CheckCommand::Text(const Conversion& conversion) const {

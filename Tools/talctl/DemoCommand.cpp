@@ -55,7 +55,7 @@ std::string WhyOther(const Dpt& dpt) {
     case 9: return "rounded to a two-octet float";
     case 14: return "rounded to single precision";
     case 16: return "cut to 14 characters of ISO 8859-1";
-    default: return "not all of it is sent";
+    default: return "not all of it is sent, or the local time has no such hour";
   }
 }
 

@@ -8,7 +8,7 @@ constexpr char kExamples[] = R"(Values by type:
   numbers        21.5, -30, 0x1F; floats also nan, inf, -inf
   time of day    12:30:15 or Mon 12:30:15
   date           2023-01-01, with time 2023-01-01T12:30:15
-  text           the rest of the line
+  text           the rest of the line; \n \t \r \xHH are escapes, \\ is a backslash
   colour (232)   1193046 or #123456
 A value may begin with a minus; one that looks like an option goes behind --.
 

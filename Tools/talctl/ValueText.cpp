@@ -3,6 +3,7 @@
 #include <Tal/TimeOfDay.h>
 
 #include <algorithm>
+#include <boost/algorithm/string/replace.hpp>
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -46,12 +47,14 @@ constexpr ExpectationRow kExpectations[] = {
     {avtDWord, kAnyMain, Roads::Both, "a whole number from 0 to 4294967295"},
     {avtFloat, 9, Roads::Direct, "a number from -671088.64 to 670760.96 with a decimal point, or nan"},
     {avtFloat, kAnyMain, Roads::Both, "a number with a decimal point, or nan, inf, -inf"},
-    {avtString, 4, Roads::Both, "a character of ISO 8859-1 (4.001: of ASCII) in UTF-8"},
+    {avtString, 4, Roads::Both,
+     "a character of ISO 8859-1 (4.001: of ASCII) in UTF-8; of more the low eight bits of the first are sent"},
     {avtString, kAnyMain, Roads::Both, "text in UTF-8"},
     {avtDayTime, kAnyMain, Roads::Both, "a time of day such as 12:30:15 or Mon 12:30:15"},
     {avtTime, kAnyMain, Roads::Both, "a time of day such as 12:30:15 or Mon 12:30:15"},
     {avtDate, kAnyMain, Roads::Both, "a date from 1990-01-01 to 2089-12-31, such as 2023-01-01"},
-    {avtDateTime, kAnyMain, Roads::Both, "a date with time in the years 1400 to 9999, such as 2023-01-01T12:30:15"},
+    {avtDateTime, kAnyMain, Roads::Both,
+     "a date with time such as 2023-01-01T12:30:15; the years 1900 to 2155 keep their century"},
 };
 
 /// Codecs that refuse to encode values outside the range of their row.
@@ -301,7 +304,39 @@ std::string FormatValue(const AROVALUE& value) {
 }
 
 std::string FormatOneLine(const AROVALUE& value) {
-  return value.avt == avtString ? value.ToString() : FormatValue(value);
+  if (value.avt != avtString) return FormatValue(value);
+  AROVALUE shown = value;
+  boost::algorithm::replace_all(shown.text, "\\", "\\\\");
+  const std::string text = shown.ToString();
+  return text.empty() || text.front() != ' ' ? text : "\\x20" + text.substr(1);
+}
+
+std::string Unescaped(std::string_view text) {
+  constexpr struct {
+    char letter;
+    char character;
+  } kEscapes[] = {{'n', '\n'}, {'t', '\t'}, {'r', '\r'}, {'\\', '\\'}};
+  std::string plain;
+  while (!text.empty()) {
+    const auto* const escape = text.size() < 2 || text[0] != '\\'
+                                   ? std::end(kEscapes)
+                                   : std::find_if(std::begin(kEscapes), std::end(kEscapes),
+                                                  [&](const auto& row) { return row.letter == text[1]; });
+    unsigned octet = 0;
+    const char* const digits = text.data() + 2;
+    if (escape != std::end(kEscapes)) {
+      plain += escape->character;
+      text.remove_prefix(2);
+    } else if (text.size() >= 4 && text.substr(0, 2) == "\\x" &&
+               std::from_chars(digits, digits + 2, octet, 16).ptr == digits + 2) {
+      plain += static_cast<char>(octet);
+      text.remove_prefix(4);
+    } else {
+      plain += text.front();
+      text.remove_prefix(1);
+    }
+  }
+  return plain;
 }
 
 Json ToJson(const AROVALUE& value) {

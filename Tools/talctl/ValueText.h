@@ -28,8 +28,12 @@ std::string FormatValue(const AROVALUE& value);
 /// The shortest text of a number.
 std::string FormatNumber(double number);
 
-/// The text of a value with the control characters of a text as escapes.
+/// The same on one line: in a text, control characters and a blank at the front are escapes (\\n \\t \\r \\xHH), and a
+/// backslash is two.
 std::string FormatOneLine(const AROVALUE& value);
+
+/// The text of which FormatOneLine() makes @p text. A backslash with anything else behind it stands for itself.
+std::string Unescaped(std::string_view text);
 
 /// Numbers, booleans and text as their JSON kinds; "nan", "inf" and "-inf", times and dates as text; null for no value.
 Json ToJson(const AROVALUE& value);
