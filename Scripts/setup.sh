@@ -5,7 +5,7 @@ say() { printf '%s\n' "$*" >&2; }
 die() { say "error: $*"; exit 1; }
 
 build_packages=(build-essential cmake ninja-build libboost-date-time-dev libboost-timer-dev libboost-chrono-dev
-  libboost-system-dev liblog4cplus-dev libutfcpp-dev libcli11-dev nlohmann-json3-dev)
+  libboost-system-dev libboost-thread-dev liblog4cplus-dev librapidxml-dev libutfcpp-dev libcli11-dev nlohmann-json3-dev)
 test_packages=(libgtest-dev libgmock-dev locales tzdata)
 
 # One set-up or build at a time: others wait for it. The lock ends with unlock, or with the process.

@@ -1,4 +1,4 @@
-#include "Talctl.h"
+#include "Tools/RunTalctl.h"
 
 #include <gmock/gmock.h>
 
@@ -13,23 +13,6 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
-
-struct Outcome {
-  int status;
-  std::string out;
-  std::string err;
-};
-
-/// Runs talctl with arguments that are separated by "|".
-Outcome RunWith(const std::string& line, const std::string& input = "") {
-  std::vector<std::string> arguments;
-  if (!line.empty()) boost::split(arguments, line, boost::is_any_of("|"));
-  std::istringstream in(input);
-  std::ostringstream out;
-  std::ostringstream err;
-  const int status = Run(arguments, {in, out, err});
-  return {status, out.str(), err.str()};
-}
 
 /// Arguments and the one line that answers them: on standard output with status 0, or "error: ..." on standard error
 /// with status 1.
@@ -78,7 +61,8 @@ TEST(TalctlEncode, RefusesWithTheReasonAndWhatToDo) {
   const std::string float32 = "expected a number with a decimal point, or nan, inf, -inf";
   const std::string byte = "expected a whole number from 0 to 255";
   const std::string dayTime = "expected a time of day such as 12:30:15 or Mon 12:30:15";
-  const std::string dateTime = "expected a date with time such as 2023-01-01T12:30:15; the years 1900 to 2155 keep their century";
+  const std::string dateTime =
+      "expected a date with time such as 2023-01-01T12:30:15; the years 1900 to 2155 keep their century";
   const std::string x80 = "x1234567890123456789012345678901234567890123456789012345678901234567890123456789";
   // clang-format off
   Expect("encode|", {

@@ -2,7 +2,7 @@
 
 #include <ostream>
 
-#include "ValueText.h"
+#include <Notation/ValueText.h>
 
 namespace Talctl {
 namespace {

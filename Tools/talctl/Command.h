@@ -9,7 +9,11 @@
 #include <string>
 #include <vector>
 
+namespace Notation {}
+
 namespace Talctl {
+
+using namespace Notation;
 
 /// Exit statuses.
 enum ExitStatus : int {

@@ -1,12 +1,14 @@
 // The commands of talctl.
 #pragma once
 
+#include <Notation/Road.h>
+
 #include <optional>
 #include <string>
 
 #include "Command.h"
+#include "House.h"
 #include "LineCommand.h"
-#include "Road.h"
 
 namespace Talctl {
 
@@ -87,6 +89,74 @@ class DemoCommand final : public Command {
 
  private:
   bool m_lines = false;
+};
+
+/// `get ID|NAME`: reads an object's value through the messenger.
+class GetCommand final : public Command {
+ public:
+  CLI::App* AddTo(CLI::App& app) override;
+  ExitStatus Run(const Invocation& invocation) override;
+
+ private:
+  HouseOptions m_house;
+};
+
+/// `set ID|NAME VALUE`: sets it, shows the telegram and reads it back.
+class SetCommand final : public Command {
+ public:
+  CLI::App* AddTo(CLI::App& app) override;
+  ExitStatus Run(const Invocation& invocation) override;
+
+ private:
+  HouseOptions m_house;
+};
+
+/// `request TEXT`: a free-form request.
+class RequestCommand final : public Command {
+ public:
+  CLI::App* AddTo(CLI::App& app) override;
+  ExitStatus Run(const Invocation& invocation) override;
+
+ private:
+  HouseOptions m_house;
+};
+
+/// `register A B C`: registers an application.
+class RegisterCommand final : public Command {
+ public:
+  CLI::App* AddTo(CLI::App& app) override;
+  ExitStatus Run(const Invocation& invocation) override;
+
+ private:
+  HouseOptions m_house;
+};
+
+/// `monitor`: what happens on the bus.
+class MonitorCommand final : public Command {
+ public:
+  CLI::App* AddTo(CLI::App& app) override;
+  ExitStatus Run(const Invocation& invocation) override;
+
+ private:
+  HouseOptions m_house;
+  std::optional<std::string> m_log;
+  std::optional<std::string> m_record;
+  std::string m_speed = "full";
+  bool m_wait = false;
+};
+
+/// `config [FILE]`: the app host's configuration.
+class ConfigCommand final : public Command {
+ public:
+  CLI::App* AddTo(CLI::App& app) override;
+  ExitStatus Run(const Invocation& invocation) override;
+};
+
+/// `journey`: the way of values between an application and the bus, on the sample house, compared with what must come.
+class JourneyCommand final : public Command {
+ public:
+  CLI::App* AddTo(CLI::App& app) override;
+  ExitStatus Run(const Invocation& invocation) override;
 };
 
 }  // namespace Talctl

@@ -6,8 +6,7 @@
 #include <boost/algorithm/string/classification.hpp>
 #include <boost/algorithm/string/trim.hpp>
 
-#include "Cursor.h"
-#include "Quoted.h"
+#include <Notation/Quoted.h>
 
 namespace Talctl {
 namespace {
@@ -105,29 +104,6 @@ std::string ExplainNothing(const Dpt& dpt, const GroupValue& groupValue, const A
   return std::string(reason) + ": " + DecodeAdvice(dpt, groupValue, road);
 }
 
-int HexDigit(char c) {
-  const char lower = ToLower(c);
-  return IsDigit(c) ? c - '0' : lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
-
-/// Reads octets: two hex digits each, with or without blanks between octets, and with 0x before the first.
-bool ParseOctets(std::string_view text, std::vector<std::uint8_t>& octets) {
-  Cursor cursor(text);
-  cursor.Word("0x");
-  for (std::string_view rest = cursor.Rest(); !rest.empty();) {
-    if (!octets.empty() && (rest.front() == ' ' || rest.front() == '\t')) {
-      rest.remove_prefix(1);
-      continue;
-    }
-    const int high = HexDigit(rest[0]);
-    const int low = rest.size() > 1 ? HexDigit(rest[1]) : -1;
-    if (high < 0 || low < 0) return false;
-    octets.push_back(static_cast<std::uint8_t>(high << 4 | low));
-    rest.remove_prefix(2);
-  }
-  return !octets.empty();
-}
-
 /// Reads what `decode` and `check` are given; on failure the error says what was expected.
 bool ReadGroupValue(std::string_view dptText, std::string_view octetsText, boost::optional<unsigned> bits,
                     Conversion& conversion) {
@@ -150,12 +126,6 @@ bool ReadGroupValue(std::string_view dptText, std::string_view octetsText, boost
 }
 
 }  // namespace
-
-std::string Hex(const KnxStack::BinaryData& octets) {
-  std::string text = octets.ToString();
-  text.erase(std::remove(text.begin(), text.end(), ' '), text.end());
-  return text;
-}
 
 bool CanEncode(const Dpt& dpt, Road road) {
   const ReasonLog::Pause pause;

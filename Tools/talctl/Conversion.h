@@ -8,12 +8,15 @@
 #include <string>
 #include <string_view>
 
-#include "DptText.h"
+#include <Notation/DptText.h>
+#include <Notation/Octets.h>
+#include <Notation/Road.h>
+#include <Notation/ValueText.h>
 #include "ReasonLog.h"
-#include "Road.h"
-#include "ValueText.h"
 
 namespace Talctl {
+
+using namespace Notation;
 
 /// What came of a conversion: a value and its group value, or an error and as much as could be read of the rest.
 struct Conversion {
@@ -40,8 +43,5 @@ Conversion Check(std::string_view dpt, std::string_view octets, boost::optional<
 
 /// True when the road encodes values of this datapoint type at all.
 bool CanEncode(const Dpt& dpt, Road road);
-
-/// Octets as upper-case hex without blanks.
-std::string Hex(const KnxStack::BinaryData& octets);
 
 }  // namespace Talctl

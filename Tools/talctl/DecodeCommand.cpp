@@ -1,6 +1,8 @@
+#include <Notation/Cursor.h>
+#include <Notation/Quoted.h>
+
 #include "Commands.h"
-#include "Cursor.h"
-#include "Quoted.h"
+#include "RoadOption.h"
 
 namespace Talctl {
 namespace {

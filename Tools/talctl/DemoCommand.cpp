@@ -1,4 +1,4 @@
-#include <HouseDay.h>
+#include <Samples.h>
 
 #include <array>
 #include <boost/algorithm/string/join.hpp>

@@ -5,10 +5,11 @@
 #include <functional>
 #include <ostream>
 
+#include <Notation/ValueText.h>
 #include "Commands.h"
 #include "ReasonLog.h"
+#include "RoadOption.h"
 #include "Table.h"
-#include "ValueText.h"
 
 namespace Talctl {
 namespace {

@@ -1,4 +1,5 @@
 #include "Commands.h"
+#include "RoadOption.h"
 
 namespace Talctl {
 namespace {

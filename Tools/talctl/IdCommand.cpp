@@ -4,92 +4,19 @@
 #include <iomanip>
 #include <ostream>
 
+#include <Notation/Cursor.h>
+#include <Notation/ObjectId.h>
+#include <Notation/Quoted.h>
+#include <Notation/ValueText.h>
 #include "Commands.h"
-#include "Cursor.h"
-#include "Quoted.h"
-#include "ValueText.h"
 
 namespace Talctl {
 namespace {
 
 using namespace Tal::KnxZelMapping;
 using Tal::LogicalDeviceId;
-using Tal::ParameterType;
 
-/// What an identifier stands for.
-struct Explanation {
-  const char* kind = "none";
-  std::string text = "not an identifier of the KNX side";
-  boost::optional<LogicalDeviceId> device;
-  boost::optional<unsigned> number;
-};
-
-struct ParameterKind {
-  ParameterType type;
-  const char* name;   ///< on the command line
-  const char* title;  ///< in a sentence
-};
-constexpr ParameterKind kParameterKinds[] = {{ParameterType::Ip, "ip", "IP"},
-                                             {ParameterType::Number, "number", "number"},
-                                             {ParameterType::Text, "text", "text"}};
-
-struct AppControlKind {
-  const char* name;
-  const char* title;
-  ObjectId (*idOf)(LogicalDeviceId) noexcept;
-};
-constexpr AppControlKind kAppControlKinds[] = {
-    {"channel", "app host control: channel", GetAppHostAppControlChannelObjModelId},
-    {"state", "app host control: state", GetAppHostAppControlStateObjModelId},
-    {"event", "app host control: event", GetAppHostAppControlEventObjModelId},
-    {"alive", "app host control: alive heartbeat", GetAppHostAppControlAliveObjModelId},
-    {"app-debug", "app host control: app debug", GetAppHostAppControlAppDebugObjModelId},
-};
-
-std::string OfDevice(LogicalDeviceId dev) { return " of logical device " + std::to_string(dev.Get()); }
-
-Explanation Explained(const char* kind, const std::string& what, LogicalDeviceId dev,
-                      boost::optional<unsigned> number = boost::none) {
-  const std::string numberText = number ? " " + std::to_string(*number) : "";
-  return {kind, what + numberText + OfDevice(dev), dev, number};
-}
-
-/// Deliberate: a parameter is found by computing identifiers forwards. GetParameterNumberFromObjModelId() keeps the low
-/// 8 bits only and would call text parameter 500 number 244.
-boost::optional<Explanation> ExplainParameter(ObjectId id, LogicalDeviceId dev) {
-  for (const ParameterKind& kind : kParameterKinds) {
-    for (unsigned short n = 0; n <= GetMaxParametersOfType(kind.type); ++n) {
-      const auto channel = GetParameterChannelObjModelId(n, dev, kind.type);
-      const std::string what = std::string(kind.title) + " parameter";
-      if (id == *channel) return Explained("parameter-channel", "channel of " + what, dev, n);
-      if (id == *channel + 1) return Explained("parameter-value", "value of " + what, dev, n);
-    }
-  }
-  return boost::none;
-}
-
-Explanation Explain(ObjectId id) {
-  if (id == GetDeviceObjModelId()) return {"device", "the device, and the KNX device", boost::none, boost::none};
-  const boost::optional<LogicalDeviceId> dev = GetLogicalDeviceIdFromObject(id);
-  if (!dev) return {};
-  if (id == GetLogicalKnxDeviceObjModelId(*dev)) {
-    return {"logical-device", "logical KNX device " + std::to_string(dev->Get()), dev, boost::none};
-  }
-  for (const AppControlKind& kind : kAppControlKinds) {
-    if (id == kind.idOf(*dev)) return Explained("app-control", kind.title, *dev);
-  }
-  if (IsCoChannel(id)) {
-    return Explained("co-channel", "channel of communication object", *dev, *GetCoNumberFromObjModelId(id + 1, *dev));
-  }
-  if (IsCoValue(id)) {
-    return Explained("co-value", "value of communication object", *dev, *GetCoNumberFromObjModelId(id, *dev));
-  }
-  if (const auto parameter = ExplainParameter(id, *dev)) return *parameter;
-  if (id == GetLastObjModelId(*dev)) return Explained("last", "the last identifier", *dev);
-  return {};
-}
-
-void Print(const Invocation& invocation, const std::string& id, const Explanation& explanation) {
+void Print(const Invocation& invocation, const std::string& id, const ObjectExplanation& explanation) {
   std::ostream& out = invocation.streams.out;
   if (!invocation.options.json) {
     out << std::left << std::setw(10) << id << "  " << explanation.text << '\n';
@@ -98,7 +25,7 @@ void Print(const Invocation& invocation, const std::string& id, const Explanatio
   Json json;
   std::uint64_t number;
   json["id"] = Cursor(id).Number(number) ? Json(number) : Json(id);
-  json["kind"] = explanation.kind;
+  json["kind"] = NameOf(explanation.kind);
   if (explanation.device) json["device"] = explanation.device->Get();
   if (explanation.number) json["number"] = *explanation.number;
   json["text"] = explanation.text;
@@ -117,7 +44,7 @@ ExitStatus ExplainAll(const Invocation& invocation) {
       continue;
     }
     ObjectId id;
-    Print(invocation, operand, Cursor(operand).Number(id) ? Explain(id) : Explanation());  // or beyond 32 bits
+    Print(invocation, operand, Cursor(operand).Number(id) ? Explain(id) : ObjectExplanation());  // or beyond 32 bits
   }
   return status;
 }
@@ -135,7 +62,7 @@ ExitStatus PrintCo(const Invocation& invocation, LogicalDeviceId dev, const std:
 }
 
 ExitStatus PrintParameter(const Invocation& invocation, LogicalDeviceId dev, const std::string& text) {
-  for (const ParameterKind& kind : kParameterKinds) {
+  for (const ParameterKind& kind : ParameterKinds()) {
     Cursor cursor(text);
     unsigned short n = 0;
     if (!cursor.Word(kind.name) || !cursor.Word(":")) continue;
@@ -163,7 +90,7 @@ CLI::App* IdCommand::AddTo(CLI::App& app) {
   command->add_option("--parameter", m_parameter, "Application parameter: ip:N, number:N or text:N")
       ->type_name("TYPE:N");
   std::vector<std::string> names;
-  for (const AppControlKind& kind : kAppControlKinds) names.push_back(kind.name);
+  for (const AppControlKind& kind : AppControlKinds()) names.push_back(kind.name);
   command->add_option("--app-control", m_appControl, "App host control: channel, state, event, alive or app-debug")
       ->type_name("WHAT")
       ->check(CLI::IsMember(names));
@@ -186,7 +113,7 @@ ExitStatus IdCommand::Run(const Invocation& invocation) {
   const LogicalDeviceId dev = *m_device == "1" ? LogicalDeviceId::Of<1>() : LogicalDeviceId::Of<2>();
   if (m_co) return PrintCo(invocation, dev, *m_co);
   if (m_parameter) return PrintParameter(invocation, dev, *m_parameter);
-  for (const AppControlKind& kind : kAppControlKinds) {
+  for (const AppControlKind& kind : AppControlKinds()) {
     if (*m_appControl == kind.name) Print(invocation, std::to_string(kind.idOf(dev)), Explain(kind.idOf(dev)));
   }
   return kDone;

@@ -3,13 +3,9 @@
 #include <algorithm>
 
 namespace Talctl {
-namespace {
-
 std::size_t WidthOf(const std::string& cell) {
   return static_cast<std::size_t>(std::count_if(cell.begin(), cell.end(), [](char c) { return (c & 0xC0) != 0x80; }));
 }
-
-}  // namespace
 
 void Table::Print(std::ostream& out) const {
   std::vector<std::size_t> widths;
@@ -18,9 +14,11 @@ void Table::Print(std::ostream& out) const {
     for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], WidthOf(row[i]));
   }
   for (const auto& row : m_rows) {
-    for (std::size_t i = 0; i < row.size(); ++i) {
+    std::size_t cells = row.size();
+    while (cells > 0 && row[cells - 1].empty()) --cells;
+    for (std::size_t i = 0; i < cells; ++i) {
       out << row[i];
-      if (i + 1 < row.size()) out << std::string(widths[i] - WidthOf(row[i]) + 2, ' ');
+      if (i + 1 < cells) out << std::string(widths[i] - WidthOf(row[i]) + 2, ' ');
     }
     out << '\n';
   }

@@ -5,8 +5,8 @@
 #include <memory>
 #include <ostream>
 
+#include <Notation/Quoted.h>
 #include "Commands.h"
-#include "Quoted.h"
 
 namespace Talctl {
 namespace {
@@ -101,7 +101,9 @@ int RunUnguarded(const std::vector<std::string>& arguments, const Streams& strea
       "  talctl encode 9.001 21            0C1A\n"
       "  talctl dpts 9.001\n"
       "  talctl id 100101\n"
-      "  talctl demo --lines | talctl encode --json\n\n"
+      "  talctl demo --lines | talctl encode --json\n"
+      "  talctl set kitchen.light on\n"
+      "  talctl monitor --json\n\n"
       "Exit status: 0 done, 1 something was refused, 2 wrong use.\n"
       "`talctl COMMAND --help` shows a command's options and examples.");
 
@@ -121,6 +123,13 @@ int RunUnguarded(const std::vector<std::string>& arguments, const Streams& strea
   add(std::make_unique<DptsCommand>());
   add(std::make_unique<IdCommand>());
   add(std::make_unique<DemoCommand>());
+  add(std::make_unique<GetCommand>());
+  add(std::make_unique<SetCommand>());
+  add(std::make_unique<RequestCommand>());
+  add(std::make_unique<RegisterCommand>());
+  add(std::make_unique<MonitorCommand>());
+  add(std::make_unique<JourneyCommand>());
+  add(std::make_unique<ConfigCommand>());
 
   try {
     Arguments separated = Separate(app, arguments);

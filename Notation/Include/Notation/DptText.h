@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace Talctl {
+namespace Notation {
 
 struct Dpt {
   std::uint16_t main = 0;
@@ -22,4 +22,4 @@ bool ParseDpt(std::string_view text, Dpt& dpt, std::string& error);
 /// "9.001": a sub number of at least three digits.
 std::string FormatDpt(const Dpt& dpt);
 
-}  // namespace Talctl
+}  // namespace Notation

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace Talctl {
+namespace Notation {
 
 /// @p text as valid UTF-8 on one line, control characters as escapes.
 inline std::string OneLine(std::string_view text) {
@@ -24,4 +24,4 @@ inline std::string Quoted(std::string_view text) {
   return "'" + OneLine(text.substr(0, shown)) + "...'";
 }
 
-}  // namespace Talctl
+}  // namespace Notation

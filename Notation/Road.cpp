@@ -1,23 +1,10 @@
-#include "Road.h"
+#include <Notation/Road.h>
 
 #include <algorithm>
 
-#include "Cursor.h"
-
-namespace Talctl {
+namespace Notation {
 
 const char* NameOf(Road road) { return road == Road::Direct ? "direct" : "map"; }
-
-void AddRoadOption(CLI::App& command, Road& road) {
-  const auto set = [&road](const std::string& name) {
-    road = SameText(name, NameOf(Road::Map)) ? Road::Map : Road::Direct;
-  };
-  command
-      .add_option_function<std::string>("--road", set,
-                                        "direct (one-step functions, the default) or map (table of datapoint types)")
-      ->type_name("ROAD")
-      ->check(CLI::IsMember({NameOf(Road::Direct), NameOf(Road::Map)}, CLI::ignore_case));
-}
 
 const std::vector<Tal::MainTypeDescription>& MainTypes() {
   static const auto rows = Tal::DescribeMainTypes();
@@ -61,4 +48,4 @@ Tal::KnxValueConverter& MapConverter() {
   return converter;
 }
 
-}  // namespace Talctl
+}  // namespace Notation

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <system_error>
 
-namespace Talctl {
+namespace Notation {
 
 inline bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 inline char ToLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
@@ -50,4 +50,4 @@ class Cursor {
   std::string_view m_rest;
 };
 
-}  // namespace Talctl
+}  // namespace Notation

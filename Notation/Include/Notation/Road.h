@@ -5,12 +5,11 @@
 #include <Tal/KnxValueConverter.h>
 #include <Tal/TableDescription.h>
 
-#include <CLI/CLI.hpp>
 #include <vector>
 
-#include "DptText.h"
+#include <Notation/DptText.h>
 
-namespace Talctl {
+namespace Notation {
 
 enum class Road {
   Direct,  ///< the one-step functions, by main type
@@ -20,9 +19,6 @@ enum class Road {
 /// "direct" or "map".
 const char* NameOf(Road road);
 inline Road Other(Road road) { return road == Road::Direct ? Road::Map : Road::Direct; }
-
-/// Adds --road to a command.
-void AddRoadOption(CLI::App& command, Road& road);
 
 /// The library's tables, read once.
 const std::vector<Tal::MainTypeDescription>& MainTypes();
@@ -39,4 +35,4 @@ AroValueType ValueTypeOf(const Dpt& dpt, Road road);
 /// A converter with the standard table.
 Tal::KnxValueConverter& MapConverter();
 
-}  // namespace Talctl
+}  // namespace Notation

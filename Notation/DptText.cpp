@@ -1,9 +1,9 @@
-#include "DptText.h"
+#include <Notation/DptText.h>
 
-#include "Cursor.h"
-#include "Quoted.h"
+#include <Notation/Cursor.h>
+#include <Notation/Quoted.h>
 
-namespace Talctl {
+namespace Notation {
 
 bool ParseDpt(std::string_view text, Dpt& dpt, std::string& error) {
   Cursor cursor(text);
@@ -31,4 +31,4 @@ std::string FormatDpt(const Dpt& dpt) {
   return std::to_string(dpt.main) + '.' + std::string(sub.size() < 3 ? 3 - sub.size() : 0, '0') + sub;
 }
 
-}  // namespace Talctl
+}  // namespace Notation

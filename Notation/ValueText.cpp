@@ -1,4 +1,4 @@
-#include "ValueText.h"
+#include <Notation/ValueText.h>
 
 #include <Tal/TimeOfDay.h>
 
@@ -8,9 +8,9 @@
 #include <cstdio>
 #include <limits>
 
-#include "Cursor.h"
+#include <Notation/Cursor.h>
 
-namespace Talctl {
+namespace Notation {
 namespace {
 
 constexpr unsigned kAnyMain = 0;
@@ -357,4 +357,4 @@ Json ToJson(const AROVALUE& value) {
 
 std::string Line(const Json& json) { return json.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n'; }
 
-}  // namespace Talctl
+}  // namespace Notation

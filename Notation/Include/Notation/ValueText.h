@@ -7,10 +7,10 @@
 #include <string>
 #include <string_view>
 
-#include "DptText.h"
-#include "Road.h"
+#include <Notation/DptText.h>
+#include <Notation/Road.h>
 
-namespace Talctl {
+namespace Notation {
 
 using Json = nlohmann::ordered_json;
 
@@ -41,4 +41,4 @@ Json ToJson(const AROVALUE& value);
 /// One line of @p json. Text that is not UTF-8 shows U+FFFD.
 std::string Line(const Json& json);
 
-}  // namespace Talctl
+}  // namespace Notation

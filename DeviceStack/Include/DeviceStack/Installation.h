@@ -1,0 +1,69 @@
+// What an installation consists of.
+#pragma once
+
+#include <BasePlatform/AroValue.h>
+#include <DeviceStack/KnxAddress.h>
+#include <Notation/DptText.h>
+#include <Notation/ValueText.h>
+#include <Tal/KnxZelMapping.h>
+
+#include <boost/optional.hpp>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace DeviceStack {
+
+/// What a communication object does on the bus.
+struct Flags {
+  bool read = false;      ///< answers reads
+  bool write = false;     ///< takes what is written
+  bool transmit = false;  ///< sends what the application sets
+  bool update = false;    ///< takes responses
+};
+
+struct CommunicationObject {
+  int device = 1;            ///< logical device, 1 or 2
+  std::uint16_t number = 1;  ///< 1 to 4095, once in a device
+  std::string name;          ///< not empty, not a number, once in an installation
+  Notation::Dpt dpt;
+  GroupAddress address;  ///< several objects may have the same
+  Flags flags;
+  boost::optional<AROVALUE> initial;  ///< nothing: the object has no value before somebody gives it one
+
+  Tal::KnxZelMapping::ObjectId ChannelId() const;
+  Tal::KnxZelMapping::ObjectId ValueId() const;
+};
+
+struct Installation {
+  std::string name;
+  IndividualAddress address;  ///< of the device on the bus
+  std::vector<CommunicationObject> objects;
+};
+
+/// An installation that cannot be used: "house.json: objects[2].dpt: " and the reason.
+class InstallationError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// What is read at most: octets of text, and levels of nesting.
+constexpr std::size_t kMaxInstallationSize = 16 * 1024 * 1024;
+constexpr int kMaxInstallationDepth = 16;
+
+/// Reads an installation from JSON; Docs/Installation.md has the schema. The whole is checked: unknown, repeated and
+/// missing keys, ranges, names and numbers that occur twice, initial values that their datapoint type does not take.
+/// @param source  what errors call the text.
+/// @throws InstallationError  for the first thing that is wrong.
+Installation ParseInstallation(std::string_view text, const std::string& source);
+
+/// The same from a file. @throws InstallationError  also when it cannot be read.
+Installation LoadInstallation(const std::string& path);
+
+/// The text that ParseInstallation() reads back, indented, and its JSON.
+std::string FormatInstallation(const Installation& installation);
+Notation::Json ToJson(const Installation& installation);
+Notation::Json ToJson(const CommunicationObject& object);
+
+}  // namespace DeviceStack

@@ -1,0 +1,46 @@
+// The seam to the KNX bus: group telegrams in and out.
+#pragma once
+
+#include <DeviceStack/KnxAddress.h>
+#include <KnxStackApi/GroupValue.h>
+
+#include <chrono>
+#include <functional>
+#include <string>
+
+namespace DeviceStack {
+
+/// What a telegram asks of the group.
+enum class Service {
+  Read,      ///< tell the value; carries none
+  Write,     ///< take this value
+  Response,  ///< this is the value that was asked for
+};
+
+/// "read", "write" or "response".
+const char* NameOf(Service service);
+
+struct Telegram {
+  std::chrono::system_clock::time_point time;  ///< when it was on the bus
+  IndividualAddress source;
+  GroupAddress destination;
+  Service service = Service::Write;
+  KnxStack::GroupValue value;  ///< octets and size in bits; empty for a read
+};
+
+/// A connection to the bus. Made so that a connection to a real one fits: sending may fail, and telegrams come in on
+/// any thread.
+class KnxBus {
+ public:
+  using Receiver = std::function<void(const Telegram&)>;
+
+  virtual ~KnxBus() = default;
+  /// Puts a telegram on the bus. The bus sets its time. @return false, with the reason in @p error: nothing was sent.
+  virtual bool Send(const Telegram& telegram, std::string& error) = 0;
+  /// Who gets the telegrams that come in, on any thread, also while Send() runs; an empty one: nobody. The receiver
+  /// must be quick and must not call the bus. When this returns, the previous receiver is not and will not be called
+  /// any more.
+  virtual void SetReceiver(Receiver receiver) = 0;
+};
+
+}  // namespace DeviceStack

@@ -1,0 +1,35 @@
+#include "BoundedJson.h"
+
+#include <Notation/Quoted.h>
+
+#include <set>
+#include <stdexcept>
+#include <vector>
+
+namespace DeviceStack {
+
+using Notation::Json;
+
+Json ParseBoundedJson(std::string_view text, std::size_t maxSize, int maxDepth) {
+  if (text.size() > maxSize) throw std::runtime_error("is longer than " + std::to_string(maxSize) + " octets");
+  std::vector<std::set<std::string>> keys;  // of the objects that are open
+  const auto check = [&](int depth, Json::parse_event_t event, Json& parsed) {
+    if (depth >= maxDepth) throw std::runtime_error("is nested deeper than " + std::to_string(maxDepth) + " levels");
+    if (event == Json::parse_event_t::object_start) keys.emplace_back();
+    if (event == Json::parse_event_t::object_end) keys.pop_back();
+    if (event == Json::parse_event_t::key && !keys.back().insert(parsed.get<std::string>()).second) {
+      throw std::runtime_error("the key " + Notation::Quoted(parsed.get<std::string>()) + " occurs twice in an object");
+    }
+    return true;
+  };
+  try {
+    return Json::parse(text.begin(), text.end(), check);
+  } catch (const Json::exception& error) {
+    std::string reason = error.what();  // "[json.exception.parse_error.101] parse error at line 1, ..."
+    const std::size_t bracket = reason.find("] ");
+    if (bracket != reason.npos) reason.erase(0, bracket + 2);
+    throw std::runtime_error("is not JSON: " + Notation::OneLine(reason));
+  }
+}
+
+}  // namespace DeviceStack

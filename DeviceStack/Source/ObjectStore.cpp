@@ -1,0 +1,225 @@
+#include "ObjectStore.h"
+
+#include <Notation/ObjectId.h>
+#include <Notation/Octets.h>
+#include <Notation/Quoted.h>
+#include <Notation/Road.h>
+#include <Tal/GroupValueAroValue.h>
+#include <Tal/TableDescription.h>
+
+namespace DeviceStack {
+namespace {
+
+using Notation::FormatDpt;
+using Notation::ObjectExplanation;
+using Notation::ObjectKind;
+using Notation::Quoted;
+
+std::string Described(const CommunicationObject& object) {
+  return Quoted(object.name) + " (" + std::to_string(object.ValueId()) + ", " + FormatDpt(object.dpt) + ")";
+}
+
+/// The type of an application parameter's or control value; avtEmpty for the rest.
+AroValueType OtherType(const ObjectExplanation& explanation) {
+  if (explanation.kind == ObjectKind::ParameterValue) {
+    return explanation.parameter->type == Tal::ParameterType::Number ? avtFloat : avtString;
+  }
+  if (explanation.kind != ObjectKind::AppControl) return avtEmpty;
+  const std::string name = explanation.control->name;
+  if (name == "alive") return avtDWord;
+  if (name == "app-debug") return avtBool;
+  return name == "channel" ? avtEmpty : avtString;
+}
+
+[[noreturn]] void FailWithout(Tal::KnxZelMapping::ObjectId id, const ObjectExplanation& explanation) {
+  const std::string number = std::to_string(id);
+  switch (explanation.kind) {
+    case ObjectKind::None:
+    case ObjectKind::Last:
+    case ObjectKind::CoValue:
+      throw ServiceError(ErrorCode::UnknownObject, number, "there is no object " + number + " in this installation");
+    case ObjectKind::CoChannel:
+    case ObjectKind::ParameterChannel:
+      throw ServiceError(ErrorCode::NoValueObject, number,
+                         number + " is the " + explanation.text + ": its value is " + std::to_string(id + 1));
+    default:
+      throw ServiceError(ErrorCode::NoValueObject, number, number + " is " + explanation.text + " and has no value");
+  }
+}
+
+void RequireType(const std::string& what, Tal::KnxZelMapping::ObjectId id, AroValueType type, const AROVALUE& value) {
+  if (value.avt == type) return;
+  throw ServiceError(ErrorCode::WrongType, std::to_string(id),
+                     what + " takes values of type " + AROVALUE::GetNameFromValueType(type) + " (" +
+                         std::to_string(type) + "), not " + AROVALUE::GetNameFromValueType(value.avt) + " (" +
+                         std::to_string(static_cast<AroValueType>(value.avt)) + ")");
+}
+
+struct Decoded {
+  boost::optional<AROVALUE> value;
+  std::string refusal;
+};
+
+Decoded Decode(const KnxStack::GroupValue& groupValue, const Notation::Dpt& dpt) {
+  Decoded decoded;
+  try {
+    decoded.value = Tal::GroupValueToAroValue(groupValue, dpt.Number());
+  } catch (const std::exception&) {  // the calendar's range errors: no such date
+  }
+  if (decoded.value && decoded.value->avt != avtEmpty && decoded.value->avt != avtInvalid) return decoded;
+  decoded.value = boost::none;
+  decoded.refusal = Notation::Hex(groupValue.GetRawData()) + " (" + std::to_string(groupValue.GetDefinedSize()) +
+                    " bits) is no value of " + FormatDpt(dpt);
+  const boost::optional<unsigned> bits = Tal::DescribeExpectedBits(dpt.main);
+  if (bits && *bits != groupValue.GetDefinedSize()) {
+    decoded.refusal += ", which has " + std::to_string(*bits) + (*bits == 1 ? " bit" : " bits");
+  }
+  return decoded;
+}
+
+}  // namespace
+
+Encoded Encode(const AROVALUE& value, const Notation::Dpt& dpt) {
+  Encoded encoded;
+  try {
+    encoded.groupValue = Tal::AroValueToGroupValue(value, dpt.Number());
+  } catch (const std::exception&) {  // the calendar's range errors
+  }
+  if (!encoded.groupValue) {
+    encoded.refusal = Quoted(Notation::FormatValue(value)) + " cannot be sent as " + FormatDpt(dpt) + ": expected " +
+                      Notation::Expectation(dpt, Notation::Road::Direct);
+  }
+  return encoded;
+}
+
+void ObjectStore::Replace(Installation installation) {
+  m_entries.clear();
+  m_others.clear();
+  Change(std::move(installation));
+}
+
+void ObjectStore::Change(Installation installation) {
+  std::vector<Entry> entries;
+  std::unordered_map<ObjectId, std::size_t> byId;
+  std::unordered_map<std::string, std::size_t> byName;
+  std::unordered_map<std::uint16_t, std::vector<std::size_t>> byAddress;
+  for (const CommunicationObject& object : installation.objects) {
+    Entry entry{object, object.initial};
+    const auto old = m_byId.find(object.ValueId());
+    if (old != m_byId.end() && old->second < m_entries.size()) {
+      const Entry& before = m_entries[old->second];
+      if (before.object.dpt.Number() == object.dpt.Number() && before.object.initial == object.initial) {
+        entry.value = before.value;
+      }
+    }
+    byId[object.ValueId()] = entries.size();
+    byName[object.name] = entries.size();
+    byAddress[object.address.raw].push_back(entries.size());
+    entries.push_back(std::move(entry));
+  }
+  m_installation = std::move(installation);
+  m_entries = std::move(entries);
+  m_byId = std::move(byId);
+  m_byName = std::move(byName);
+  m_byAddress = std::move(byAddress);
+}
+
+const ObjectStore::Entry* ObjectStore::FindEntry(ObjectId id) const {
+  const auto found = m_byId.find(id);
+  return found != m_byId.end() ? &m_entries[found->second] : nullptr;
+}
+
+const CommunicationObject* ObjectStore::Find(ObjectId id) const {
+  const Entry* const entry = FindEntry(Tal::KnxZelMapping::IsCoChannel(id) ? id + 1 : id);
+  return entry != nullptr ? &entry->object : nullptr;
+}
+
+const CommunicationObject* ObjectStore::Find(const std::string& name) const {
+  const auto found = m_byName.find(name);
+  return found != m_byName.end() ? &m_entries[found->second].object : nullptr;
+}
+
+const AROVALUE& ObjectStore::Value(ObjectId id) const {
+  if (const Entry* const entry = FindEntry(id)) {
+    if (entry->value) return *entry->value;
+    throw ServiceError(ErrorCode::NoValueYet, std::to_string(id),
+                       Described(entry->object) + " has no value yet: it has neither been set nor received");
+  }
+  const ObjectExplanation explanation = Notation::Explain(id);
+  const AroValueType type = OtherType(explanation);
+  if (type == avtEmpty) FailWithout(id, explanation);
+  const auto other = m_others.find(id);
+  if (other != m_others.end()) return other->second;
+  static const auto defaults = [] {
+    std::map<AroValueType, AROVALUE> values;
+    for (const AroValueType t : {avtFloat, avtString, avtDWord, avtBool}) values[t].avt = t;
+    return values;
+  }();
+  return defaults.at(type);
+}
+
+boost::optional<Telegram> ObjectStore::TelegramOf(ObjectId id, const AROVALUE& value) const {
+  const Entry* const entry = FindEntry(id);
+  if (entry == nullptr) {
+    const ObjectExplanation explanation = Notation::Explain(id);
+    const AroValueType type = OtherType(explanation);
+    if (type == avtEmpty) FailWithout(id, explanation);
+    RequireType("the " + explanation.text, id, type, value);
+    return boost::none;
+  }
+  const CommunicationObject& object = entry->object;
+  RequireType(Described(object), id, Notation::ValueTypeOf(object.dpt, Notation::Road::Direct), value);
+  Encoded encoded = Encode(value, object.dpt);
+  if (!encoded.groupValue) throw ServiceError(ErrorCode::RefusedValue, std::to_string(id), encoded.refusal);
+  if (!object.flags.transmit) return boost::none;
+  return Outgoing(object, Service::Write, std::move(*encoded.groupValue));
+}
+
+void ObjectStore::Assign(ObjectId id, AROVALUE value) {
+  const auto found = m_byId.find(id);
+  if (found != m_byId.end()) {
+    m_entries[found->second].value = std::move(value);
+  } else {
+    m_others[id] = std::move(value);
+  }
+}
+
+std::vector<ObjectStore::Effect> ObjectStore::Receive(const Telegram& telegram) {
+  std::vector<Effect> effects;
+  const auto group = m_byAddress.find(telegram.destination.raw);
+  if (group == m_byAddress.end()) return effects;
+  for (const std::size_t i : group->second) {
+    Entry& entry = m_entries[i];
+    const Flags& flags = entry.object.flags;
+    Effect effect{&entry.object, boost::none, boost::none, ""};
+    if (telegram.service == Service::Read) {
+      if (!flags.read || !entry.value) continue;
+      Encoded encoded = Encode(*entry.value, entry.object.dpt);
+      if (encoded.groupValue) {
+        effect.response = Outgoing(entry.object, Service::Response, std::move(*encoded.groupValue));
+      } else {
+        effect.refusal = std::move(encoded.refusal);
+      }
+    } else {
+      if (!(telegram.service == Service::Write ? flags.write : flags.update)) continue;
+      Decoded decoded = Decode(telegram.value, entry.object.dpt);
+      if (decoded.value) entry.value = decoded.value;
+      effect.value = std::move(decoded.value);
+      effect.refusal = std::move(decoded.refusal);
+    }
+    effects.push_back(std::move(effect));
+  }
+  return effects;
+}
+
+Telegram ObjectStore::Outgoing(const CommunicationObject& object, Service service, KnxStack::GroupValue value) const {
+  Telegram telegram;
+  telegram.time = std::chrono::system_clock::now();
+  telegram.source = m_installation.address;
+  telegram.destination = object.address;
+  telegram.service = service;
+  telegram.value = std::move(value);
+  return telegram;
+}
+
+}  // namespace DeviceStack

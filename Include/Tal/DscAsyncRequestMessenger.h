@@ -1,0 +1,106 @@
+// Synchronous requests over the asynchronous device-stack client.
+#pragma once
+
+#include <DeviceStackClient/IDeviceStackClient.h>
+#include <Tal/Docket.h>
+#include <Tal/Export.h>
+#include <Tal/Function.h>
+#include <Tal/RequestMessengerDeviceStack.h>
+
+#include <boost/date_time/posix_time/posix_time_duration.hpp>
+#include <boost/thread/condition_variable.hpp>
+#include <boost/thread/mutex.hpp>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace Tal {
+
+/// Sends a request, waits for the answer with its id, and returns a copy of what came: the reply, or the service's
+/// error. An empty id or a time-out makes it try again until its attempts are used up; then the docket is not answered.
+///
+/// Any number of threads may call at once. Answers come in on the client's thread between SetAsResponseHandler() and
+/// UnsetAsResponseHandler(); the messenger must live that long, and the client must not answer inside a call. A request
+/// holds the messenger's mutex except while it waits, so requests are sent one after the other.
+///
+///     Tal::RemoteRequestMessengerDeviceStack stack(client);
+///     Tal::DscAsyncRequestMessenger messenger(stack, boost::posix_time::seconds(5), 2);
+///     messenger.SetAsResponseHandler();
+///     const Tal::Docket docket = messenger.GetValue(100101, false);
+///     if (docket.IsAnswered() && docket.IsReplyValid()) Use(docket.ReadReply());
+///     messenger.UnsetAsResponseHandler();
+class TALOBJECTMODEL_EXPORT DscAsyncRequestMessenger : public Vanta::IDeviceStackClient::IResponseHandler {
+ public:
+  using AROOBJECTID = Vanta::IDeviceStackClient::AROOBJECTID;
+  using IError = Vanta::IDeviceStackClient::IError;
+  using PropertyType = Vanta::IDeviceStackClient::PropertyType;
+  using Property = Vanta::IDeviceStackClient::Property;
+
+  /// @param messenger  must outlive this object.
+  /// @param timeout    how long to wait where an operation says zero; infinite: as long as it takes.
+  /// @param retries    a request is sent at most once more than this. All ones: never at all.
+  DscAsyncRequestMessenger(RequestMessengerDeviceStack& messenger, boost::posix_time::time_duration timeout,
+                           unsigned int retries);
+  DscAsyncRequestMessenger(const DscAsyncRequestMessenger&) = delete;
+  DscAsyncRequestMessenger& operator=(const DscAsyncRequestMessenger&) = delete;
+
+  void SetAsResponseHandler();
+  void UnsetAsResponseHandler();
+
+  /// @return success.
+  bool EnableNativeFormat();
+
+  Docket RegisterApplication(const std::string& first, const std::string& second, const std::string& third);
+  Docket SetValue(unsigned long id, const AROVALUE& value, bool flag);
+  Docket GetValue(unsigned long id, bool flag);
+  /// @param timeout  zero: the default; infinite: as long as it takes.
+  Docket Request(const std::string& request, boost::posix_time::time_duration timeout);
+  /// @param isStillRelevant  asked before waiting, after each wake-up and once after the wait, with the mutex held;
+  /// false
+  ///                         ends the request with an empty docket. Nobody polls: a change is noticed at the next
+  ///                         answer to anybody, or at the time-out. What it throws reaches the caller.
+  Docket SetConfiguration(const std::string& configuration, boost::posix_time::time_duration timeout,
+                          const function<bool()>& isStillRelevant);
+
+  /// Sends a value once and does not wait. @return true when the service accepted the request.
+  bool SetValueAndIgnoreResponse(unsigned long id, const AROVALUE& value, bool flag);
+
+  /// These take no lock and do not wait. The docket is answered, and valid when the call succeeded.
+  Docket SetConfiguration(unsigned long id, std::map<PropertyType, Property> properties);
+  bool GetDeviceConfig(std::string& config, bool flag);
+  bool SetDeviceConfig(std::map<std::string, std::string> entries);
+
+  // The client's answers. The first argument is not looked at.
+  void OnResponse(void* context, const std::string& requestId, const std::string& response,
+                  const IError& error) override;
+  void OnRegisterApplication(void* context, const std::string& requestId, const IError& error) override;
+  void OnGetConfiguration(void* context, const std::string& requestId, const std::string& configuration,
+                          const IError& error) override;
+  void OnSetConfiguration(void* context, const std::string& requestId, const IError& error) override;
+  void OnGetValue(void* context, const std::string& requestId, AROOBJECTID id, const std::string& urn,
+                  const std::string& value, const IError& error) override;
+  void OnSetValue(void* context, const std::string& requestId, AROOBJECTID id, const std::string& urn,
+                  const std::string& value, const IError& error) override;
+  ~DscAsyncRequestMessenger() override;
+
+ private:
+  using Duration = boost::posix_time::time_duration;
+  using Lock = boost::unique_lock<boost::mutex>;
+
+  template <class Step>
+  Docket SynchronizeRequest(const Duration& timeout, const function<bool()>& isStillRelevant, Step step);
+  std::shared_ptr<Docket> WaitForDocket(Lock& lock, const std::string& id, const Duration& timeout,
+                                        const function<bool()>& isStillRelevant);
+  bool WaitForAnswer(Lock& lock, const std::string& id, const Duration& timeout,
+                     const function<bool()>& isStillRelevant);
+  void UpdateDocketList(const std::string& id, const std::string& reply, const IError& error);
+
+  RequestMessengerDeviceStack& m_messenger;
+  const Duration m_defaultTimeout;
+  const unsigned int m_attempts;
+  boost::mutex m_mutex;
+  boost::condition_variable m_answerSignal;
+  std::map<std::string, std::weak_ptr<Docket>> m_docketList;
+};
+
+}  // namespace Tal

@@ -1,0 +1,127 @@
+#include <DeviceStack/LogBus.h>
+#include <DeviceStack/LoopbackBus.h>
+#include <DeviceStack/TelegramLog.h>
+#include <gmock/gmock.h>
+
+#include <sstream>
+
+namespace DeviceStack {
+namespace {
+
+using testing::ElementsAre;
+
+TEST(KnxAddress, IsReadAndWritten) {
+  std::string error;
+  GroupAddress group;
+  EXPECT_TRUE(ParseAddress("31/7/255", group, error));
+  EXPECT_EQ(group.raw, 0xFFFF);
+  EXPECT_TRUE(ParseAddress("1/2/3", group, error));
+  EXPECT_EQ(group.raw, 0x0A03);
+  EXPECT_EQ(FormatAddress(group), "1/2/3");
+  IndividualAddress device;
+  EXPECT_TRUE(ParseAddress("15.1.250", device, error));
+  EXPECT_EQ(device.raw, 0xF1FA);
+  EXPECT_EQ(FormatAddress(device), "15.1.250");
+  for (const char* bad : {"", "1/2", "1/2/3/4", "32/0/0", "1/8/0", "1/1/256", "0/0/0", "1.1.1", " 1/1/1", "1/1/-1"}) {
+    EXPECT_FALSE(ParseAddress(bad, group, error)) << bad;
+  }
+  EXPECT_EQ(group.raw, 0x0A03);
+}
+
+/// A log read and written again.
+std::string Again(const std::string& text) {
+  std::istringstream in(text);
+  std::string again;
+  for (const Telegram& telegram : ReadTelegramLog(in, "bus.log")) again += FormatTelegram(telegram) + '\n';
+  return again;
+}
+
+TEST(TelegramLog, IsReadAndWritten) {
+  EXPECT_EQ(Again("# comment\r\n\n  2026-11-21T06:30:00Z\t1.1.10 1/2/1 WRITE 16 0x0c1a\r\n"
+                  "2026-11-21T06:30:00.007Z 1.1.20  1/2/1 read 0 -\n"
+                  "2028-02-29T23:59:59.999Z 15.15.255 31/7/255 response 6 3F"),
+            "2026-11-21T06:30:00.000Z 1.1.10 1/2/1 write 16 0C1A\n"
+            "2026-11-21T06:30:00.007Z 1.1.20 1/2/1 read 0 -\n"
+            "2028-02-29T23:59:59.999Z 15.15.255 31/7/255 response 6 3F\n");
+  const std::chrono::system_clock::time_point epoch;
+  EXPECT_EQ(FormatTime(epoch), "1970-01-01T00:00:00.000Z");
+  EXPECT_EQ(FormatTime(epoch - std::chrono::milliseconds(1)), "1969-12-31T23:59:59.999Z");
+}
+
+TEST(TelegramLog, SaysWhatIsWrongInWhichLine) {
+  const std::string good = "2026-11-21T06:30:00Z 1.1.10 1/2/1 write 16 0C1A\n";
+  const std::pair<std::string, std::string> cases[] = {
+      {"now 1.1.10 1/2/1 write 16 0C1A", "'now' is not a time: expected UTC such as 2026-11-21T06:30:00.000Z"},
+      {"2026-02-29T06:30:00Z 1.1.10 1/2/1 write 16 0C1A", "'2026-02-29T06:30:00Z' is not a time"},
+      {"2026-11-21T24:30:00Z 1.1.10 1/2/1 write 16 0C1A", "'2026-11-21T24:30:00Z' is not a time"},
+      {"2026-11-21T06:30:00.0Z 1.1.10 1/2/1 write 16 0C1A", "'2026-11-21T06:30:00.0Z' is not a time"},
+      {"2026-11-21T06:30:00 1.1.10 1/2/1 write 16 0C1A", "'2026-11-21T06:30:00' is not a time"},
+      {"9999-11-21T06:30:00Z 1.1.10 1/2/1 write 16 0C1A", "'9999-11-21T06:30:00Z' is not a time"},
+      {"2026-11-21T06:29:59Z 1.1.10 1/2/1 write 16 0C1A", "the time goes back"},
+      {"2026-11-21T06:30:01Z 1.1.10/1 1/2/1 write 16 0C1A", "'1.1.10/1' is not a device address"},
+      {"2026-11-21T06:30:01Z 1.1.10 1.2.1 write 16 0C1A", "'1.2.1' is not a group address"},
+      {"2026-11-21T06:30:01Z 1.1.10 1/2/1 wrote 16 0C1A", "'wrote' is not a service: expected read, write or response"},
+      {"2026-11-21T06:30:01Z 1.1.10 1/2/1 write 2033 0C1A", "'2033' is not a size in bits: expected 0 to 2032"},
+      {"2026-11-21T06:30:01Z 1.1.10 1/2/1 write 16 0C1", "'0C1' is no octets"},
+      {"2026-11-21T06:30:01Z 1.1.10 1/2/1 write 16 0C", "16 bits do not make 1 octets"},
+      {"2026-11-21T06:30:01Z 1.1.10 1/2/1 write 0 -", "the value is missing"},
+      {"2026-11-21T06:30:01Z 1.1.10 1/2/1 read 1 00", "a read carries no value: expected 0 -"},
+      {"2026-11-21T06:30:01Z 1.1.10 1/2/1 write 16", "no octets"},
+      {"2026-11-21T06:30:01Z 1.1.10 1/2/1 write 16 0C 1A", "'1A' stands behind the octets"},
+      {std::string(5000, 'x'), "the line is longer than 4096 octets"},
+  };
+  for (const auto& [line, error] : cases) {
+    try {
+      Again(good + "\n" + line);
+      ADD_FAILURE() << line;
+    } catch (const TelegramLogError& caught) {
+      EXPECT_THAT(caught.what(), testing::StartsWith("bus.log:3: " + error)) << line;
+    }
+  }
+}
+
+std::vector<Telegram> Read(const std::string& text) {
+  std::istringstream in(text);
+  return ReadTelegramLog(in, "log");
+}
+
+TEST(LogBus, PlaysItsLogAndRecordsWhatIsSent) {
+  const auto telegrams =
+      Read("2026-11-21T06:30:00Z 1.1.1 1/2/1 write 1 01\n2026-11-21T06:30:00.020Z 1.1.2 1/2/1 write 1 00\n");
+  for (const auto speed : {LogBus::Speed::Full, LogBus::Speed::Real}) {
+    std::ostringstream record;
+    LogBus bus(telegrams, speed, &record);
+    std::vector<std::string> heard;
+    bus.SetReceiver([&](const Telegram& telegram) { heard.push_back(FormatAddress(telegram.source)); });
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(bus.Play([] { return false; }), 2u);
+    const bool isPaused = std::chrono::steady_clock::now() - start >= std::chrono::milliseconds(20);
+    EXPECT_TRUE(speed == LogBus::Speed::Full || isPaused);
+    EXPECT_THAT(heard, ElementsAre("1.1.1", "1.1.2"));
+    int asked = 0;
+    EXPECT_EQ(bus.Play([&] { return ++asked > 1; }), 1u);
+    std::string error;
+    EXPECT_TRUE(bus.Send(telegrams[0], error));
+    const auto sent = Read(record.str());
+    ASSERT_EQ(sent.size(), 1u);
+    EXPECT_EQ(FormatTelegram(sent[0]).substr(24), " 1.1.1 1/2/1 write 1 01");
+    EXPECT_EQ(heard.size(), 3u);  // what is sent is not heard
+    record.setstate(std::ios::badbit);
+    EXPECT_FALSE(bus.Send(telegrams[0], error));
+    EXPECT_EQ(error, "the record of sent telegrams cannot be written");
+  }
+}
+
+TEST(LoopbackBus, LetsEverythingComeBackUntilNobodyListens) {
+  LoopbackBus bus;
+  int heard = 0;
+  std::string error;
+  bus.SetReceiver([&](const Telegram&) { ++heard; });
+  EXPECT_TRUE(bus.Send({}, error));
+  bus.SetReceiver(nullptr);
+  EXPECT_TRUE(bus.Send({}, error));
+  EXPECT_EQ(heard, 1);
+}
+
+}  // namespace
+}  // namespace DeviceStack

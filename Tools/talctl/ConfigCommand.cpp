@@ -1,0 +1,52 @@
+#include <Notation/Quoted.h>
+#include <Tal/AppHostConfig.h>
+
+#include <ostream>
+
+#include "Commands.h"
+#include "ReasonLog.h"
+#include "Table.h"
+
+namespace Talctl {
+
+CLI::App* ConfigCommand::AddTo(CLI::App& app) {
+  CLI::App* const command = app.add_subcommand("config", "The settings of the app host");
+  SetHelp(*command, {"[FILE]"},
+          std::string("Reads the app host's configuration and prints every setting with its origin: the file, or the "
+                      "default. FILE\nis ") +
+              Tal::AppHostConfiguration::ConfigurationFile() +
+              " unless given; without it all is\ndefault. What stands before a fault in the file counts.");
+  command->footer("Examples:\n  talctl config\n  talctl config talapphostconfig.xml --json");
+  return command;
+}
+
+ExitStatus ConfigCommand::Run(const Invocation& invocation) {
+  if (invocation.operands.size() > 1) throw WrongUse("expected one FILE at most");
+  const bool isGiven = !invocation.operands.empty();
+  const std::string path = isGiven ? invocation.operands[0] : Tal::AppHostConfiguration::ConfigurationFile();
+  ReasonLog log(invocation.options.logLevel, invocation.streams.err);
+  Tal::AppHostConfiguration configuration;
+  boost::optional<std::vector<char>> content = Tal::LoadFile(path);
+  if (!content && isGiven) return Refuse(invocation, OneLine(path) + ": cannot be read");
+  if (!content) invocation.streams.err << OneLine(path) << ": cannot be read, so every setting has its default\n";
+  bool isGood = true;
+  if (content) {
+    content->push_back('\0');
+    isGood = configuration.LoadAppHostConfigXML(content->data());
+  }
+  std::ostream& out = invocation.streams.out;
+  Table table({"SETTING", "VALUE", "ORIGIN"});
+  for (const auto& setting : configuration.Describe()) {
+    const char* const origin = setting.isFromFile ? "file" : "default";
+    table.Add({setting.name, setting.value.empty() ? "-" : OneLine(setting.value), origin});
+    if (!invocation.options.json) continue;
+    const Json value = setting.value.empty() ? Json(nullptr)
+                       : setting.isFlag      ? Json(setting.value == "true")
+                                             : Json(setting.value);
+    out << Line({{"setting", setting.name}, {"value", value}, {"origin", origin}});
+  }
+  if (!invocation.options.json) table.Print(out);
+  return isGood ? kDone : Refuse(invocation, OneLine(path) + ": " + log.FirstReason());
+}
+
+}  // namespace Talctl

@@ -1,0 +1,93 @@
+#include "TelegramTable.h"
+
+#include <DeviceStack/TelegramLog.h>
+#include <Notation/Octets.h>
+
+#include <algorithm>
+#include <ostream>
+
+#include "Table.h"
+
+namespace Talctl {
+namespace {
+
+using DeviceStack::BusEvent;
+
+std::string ValueCell(const BusEvent& event) {
+  switch (event.kind) {
+    case BusEvent::Kind::Received: return Notation::FormatOneLine(*event.value);
+    case BusEvent::Kind::Sent: return Notation::FormatOneLine(*event.value) + "  (sent)";
+    case BusEvent::Kind::Read: return "(asked for)";
+    case BusEvent::Kind::Refused: return "refused: " + event.reason;
+    case BusEvent::Kind::Ignored: break;
+  }
+  return "(for no object)";
+}
+
+const char* NameOf(BusEvent::Kind kind) {
+  switch (kind) {
+    case BusEvent::Kind::Received: return "received";
+    case BusEvent::Kind::Read: return "read";
+    case BusEvent::Kind::Sent: return "sent";
+    case BusEvent::Kind::Refused: return "refused";
+    case BusEvent::Kind::Ignored: break;
+  }
+  return "ignored";
+}
+
+std::string OctetsOf(const DeviceStack::Telegram& telegram) {
+  return telegram.value.GetRawData().empty() ? "-" : Notation::Hex(telegram.value.GetRawData());
+}
+
+}  // namespace
+
+Notation::Json DescribeTelegram(const DeviceStack::Telegram& telegram) {
+  return {{"time", DeviceStack::FormatTime(telegram.time)},
+          {"source", FormatAddress(telegram.source)},
+          {"groupAddress", FormatAddress(telegram.destination)},
+          {"service", DeviceStack::NameOf(telegram.service)},
+          {"bits", telegram.value.GetDefinedSize()},
+          {"octets", Notation::Hex(telegram.value.GetRawData())}};
+}
+
+TelegramTable::TelegramTable(const DeviceStack::Installation& installation, bool json, std::ostream& out)
+    : m_json(json), m_out(out), m_objectWidth(WidthOf("OBJECT")) {
+  for (const auto& object : installation.objects) m_objectWidth = std::max(m_objectWidth, WidthOf(object.name));
+}
+
+void TelegramTable::PrintCells(const std::string& time, const std::string& source, const std::string& group,
+                               const std::string& service, const std::string& object, const std::string& dpt,
+                               const std::string& octets, const std::string& value) {
+  const auto pad = [](const std::string& cell, std::size_t width) {
+    return cell + std::string(width - std::min(width, WidthOf(cell)) + 2, ' ');
+  };
+  m_out << pad(time, 24) << pad(source, 7) << pad(group, 7) << pad(service, 8) << pad(object, m_objectWidth)
+        << pad(dpt, 7) << pad(octets, 10) << value << '\n';
+}
+
+void TelegramTable::PrintHeading() {
+  if (!m_json) PrintCells("TIME", "SOURCE", "GROUP", "SERVICE", "OBJECT", "DPT", "OCTETS", "VALUE");
+}
+
+void TelegramTable::Print(const BusEvent& event) {
+  const DeviceStack::Telegram& telegram = event.telegram;
+  if (!m_json) {
+    PrintCells(DeviceStack::FormatTime(telegram.time), FormatAddress(telegram.source),
+               FormatAddress(telegram.destination), DeviceStack::NameOf(telegram.service),
+               event.object ? event.object->name : "-", event.object ? Notation::FormatDpt(event.object->dpt) : "-",
+               OctetsOf(telegram), ValueCell(event));
+    return;
+  }
+  Notation::Json json = DescribeTelegram(telegram);
+  json["event"] = NameOf(event.kind);
+  if (event.object) {
+    json["object"] = event.object->name;
+    json["id"] = event.object->ValueId();
+    json["dpt"] = Notation::FormatDpt(event.object->dpt);
+  }
+  if (event.value) json["value"] = Notation::ToJson(*event.value);
+  if (!event.reason.empty()) json["error"] = event.reason;
+  m_out << Notation::Line(json);
+}
+
+}  // namespace Talctl

@@ -1,0 +1,32 @@
+// What happens on the bus, a line for each event.
+#pragma once
+
+#include <DeviceStack/EmbeddedDeviceStack.h>
+#include <Notation/ValueText.h>
+
+#include <iosfwd>
+#include <string>
+
+namespace Talctl {
+
+/// Prints events under a heading, or as JSON. The columns are as wide as the installation's names need.
+class TelegramTable {
+ public:
+  TelegramTable(const DeviceStack::Installation& installation, bool json, std::ostream& out);
+  void PrintHeading();
+  void Print(const DeviceStack::BusEvent& event);
+
+ private:
+  void PrintCells(const std::string& time, const std::string& source, const std::string& group,
+                  const std::string& service, const std::string& object, const std::string& dpt,
+                  const std::string& octets, const std::string& value);
+
+  const bool m_json;
+  std::ostream& m_out;
+  std::size_t m_objectWidth;
+};
+
+/// A telegram as JSON: time, source, groupAddress, service, bits, octets.
+Notation::Json DescribeTelegram(const DeviceStack::Telegram& telegram);
+
+}  // namespace Talctl
