@@ -2,6 +2,7 @@
 #include <TalLog/LogRecord.h>
 
 #include <boost/io/quoted.hpp>
+#include <cstdint>
 #include <fstream>
 #include <rapidxml.hpp>
 #include <stdexcept>
@@ -60,8 +61,24 @@ struct AppHostConfigRows {
 namespace {
 
 constexpr char kConfigurationFile[] = "/opt/userdata/etc/talapphost/talapphostconfig.xml";
+constexpr char kFailed[] = "Failed to read configuration file: ";
 constexpr std::size_t kMaxDepth = 256;  // the parser calls itself for every level
 constexpr char kResponseDataPoints[] = "ZelConfig/ResponseDps/Dp/ObjId";
+
+constexpr std::size_t kMaxSize = 16 * 1024 * 1024;
+
+/// The first characters of a file, up to @p limit or a little more; nothing when it cannot be read.
+boost::optional<std::vector<char>> ReadFile(const std::string& path, std::size_t limit) {
+  std::ifstream file(path);
+  if (!file) return boost::none;
+  std::vector<char> content;
+  char chunk[4096];
+  while (content.size() <= limit && (file.read(chunk, sizeof chunk), file.gcount() > 0)) {
+    content.insert(content.end(), chunk, chunk + file.gcount());
+  }
+  if (file.bad()) return boost::none;
+  return content;
+}
 
 std::string NameOf(const Node& node) { return {node.name(), node.name_size()}; }
 bool IsNamed(const Node& node, const char* name) { return NameOf(node) == name; }
@@ -146,16 +163,22 @@ AppHostConfiguration::AppHostConfiguration() = default;
 
 const char* AppHostConfiguration::ConfigurationFile() noexcept { return kConfigurationFile; }
 
-void AppHostConfiguration::LoadConfigurationFile() {
-  boost::optional<std::vector<char>> content = LoadFile(kConfigurationFile);
+void AppHostConfiguration::LoadConfigurationFile() { LoadConfigurationFile(kConfigurationFile); }
+
+bool AppHostConfiguration::LoadConfigurationFile(const std::string& path) {
+  boost::optional<std::vector<char>> content = ReadFile(path, kMaxSize);
   if (!content) {
-    TAL_LOG(Error) << "App host config file cannot be read from: " << boost::io::quoted(kConfigurationFile, '&');
-    return;
+    TAL_LOG(Error) << "App host config file cannot be read from: " << boost::io::quoted(path, '&');
+    return false;
   }
   content->push_back('\0');
-  if (!LoadAppHostConfigXML(content->data())) {
-    TAL_LOG(Error) << "Falling back to standard configuration.";
+  if (content->size() > kMaxSize + 1) {
+    TAL_LOG(Error) << kFailed << "it is longer than " << kMaxSize << " octets";
+  } else if (LoadAppHostConfigXML(content->data())) {
+    return true;
   }
+  TAL_LOG(Error) << "Falling back to standard configuration.";
+  return false;
 }
 
 bool AppHostConfiguration::LoadAppHostConfigXML(char* text) {
@@ -168,7 +191,7 @@ bool AppHostConfiguration::LoadAppHostConfigXML(char* text) {
     AppHostConfigRows::ApplyDocument(*this, document);
     return true;
   } catch (const std::exception& exception) {
-    TAL_LOG(Error) << "Failed to read configuration file: " << exception.what();
+    TAL_LOG(Error) << kFailed << exception.what();
     return false;
   }
 }
@@ -217,14 +240,6 @@ std::vector<AppHostConfiguration::Setting> AppHostConfiguration::Describe() cons
   return settings;
 }
 
-boost::optional<std::vector<char>> LoadFile(const std::string& path) {
-  std::ifstream file(path);
-  if (!file) return boost::none;
-  std::vector<char> content;
-  char chunk[4096];
-  while (file.read(chunk, sizeof chunk), file.gcount() > 0) content.insert(content.end(), chunk, chunk + file.gcount());
-  if (file.bad()) return boost::none;
-  return content;
-}
+boost::optional<std::vector<char>> LoadFile(const std::string& path) { return ReadFile(path, SIZE_MAX); }
 
 }  // namespace Tal

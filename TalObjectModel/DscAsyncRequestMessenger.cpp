@@ -211,9 +211,11 @@ void DscAsyncRequestMessenger::UpdateDocketList(const std::string& id, const std
     return;
   }
   TAL_LOG(Debug) << "Got request for ID '" << id << "'.";
+  const int code = error.GetErrorCode();
+  std::string description = error.GetDescription();
   const std::shared_ptr<Docket> docket = entry->second.lock();
   if (!docket) return;  // its waiter has gone, and will erase the entry
-  docket->SetContent(reply, error.GetDescription(), error.GetErrorCode() == 0, true);
+  docket->SetContent(reply, std::move(description), code == 0, true);
   m_answerSignal.notify_all();
 }
 

@@ -5,9 +5,8 @@
 
 namespace Tal {
 
-/// The deepest nesting of elements in the zero-terminated @p text, without recursion and memory: what a recursive
-/// parser would have to go through. Comments, CDATA sections, processing instructions and declarations count nothing.
-/// Of malformed text the result is at least the depth that a parser would reach.
+/// The deepest nesting of elements that rapidxml would go through in the zero-terminated @p text, without recursion and
+/// without memory. Of text that it refuses, what it would go through before, or more.
 std::size_t DepthOfXml(const char* text) noexcept;
 
 }  // namespace Tal

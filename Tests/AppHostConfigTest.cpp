@@ -148,6 +148,25 @@ TEST(AppHostConfig, ReportsAFileThatCannotBeRead) {
                                       "\"/opt/userdata/etc/talapphost/talapphostconfig.xml\""));
 }
 
+TEST(AppHostConfig, LoadsAFileOrFallsBack) {
+  const std::string head = "ERROR ";
+  const TempFile good("good.xml", "<TalAppHostConfig WithoutKNX='1'/>");
+  const TempFile cut("cut&\".xml", "<TalAppHostConfig TerminateOnFirmwareUpdate='1'/>" +
+                                       Points("<ResponseDps><Dp ObjId='x'/></ResponseDps>"));
+  ScopedLogCapture log;
+  AppHostConfiguration configuration;
+  EXPECT_TRUE(configuration.LoadConfigurationFile(good.path));
+  EXPECT_THAT(log.Take(), IsEmpty());
+  EXPECT_FALSE(configuration.LoadConfigurationFile(cut.path));
+  EXPECT_THAT(log.Take(), ElementsAre(head + kHead + "stoul", head + "Falling back to standard configuration."));
+  EXPECT_EQ(Changed(configuration), "WithoutKNX=true TerminateOnFirmwareUpdate=true");
+  EXPECT_FALSE(configuration.LoadConfigurationFile("/dev/zero"));
+  EXPECT_THAT(log.Take(), ElementsAre(head + kHead + "it is longer than 16777216 octets",
+                                      head + "Falling back to standard configuration."));
+  EXPECT_FALSE(configuration.LoadConfigurationFile("/no&such\"file"));
+  EXPECT_THAT(log.Take(), ElementsAre(head + "App host config file cannot be read from: \"/no&&such&\"file\""));
+}
+
 TEST(LoadFile, ReadsEveryCharacterAndNoDirectory) {
   const std::string content("\xEF\xBB\xBF line\r\n\0\x1A end", 15);
   const TempFile file("load_file", content);

@@ -4,8 +4,10 @@
 #include <algorithm>
 #include <atomic>
 #include <boost/date_time/posix_time/posix_time_types.hpp>
+#include <chrono>
 #include <cmath>
 #include <limits>
+#include <set>
 #include <stdexcept>
 
 #include "Support/LogCapture.h"
@@ -40,7 +42,10 @@ struct Rig {
       : client(std::move(script)), adapter(client), messenger(adapter, timeout, retries) {
     messenger.SetAsResponseHandler();
   }
-  ~Rig() { messenger.UnsetAsResponseHandler(); }
+  ~Rig() {
+    messenger.UnsetAsResponseHandler();
+    client.Drain();  // of what still calls the messenger
+  }
   Rig(const Rig&) = delete;
   Rig& operator=(const Rig&) = delete;
 
@@ -131,6 +136,16 @@ TEST(Adapter, SerialisesValuesInTheFormInForceAndNanAsItsTwoTexts) {
                                           "SetValue 1 3.7:21.5 false", "SetValue 1 8.7:0 false", "default format",
                                           "SetValue 1 nan false", "SetValue 1 3:21.5 false", "SetValue 1 8:0 false"));
   EXPECT_THAT(log.Take(), ElementsAre("DEBUG Internal value format now enabled."));
+}
+
+TEST(Adapter, TellsTheClientOfAFormatBeforeItUsesIt) {
+  ScriptedClient client;
+  Tal::RemoteRequestMessengerDeviceStack adapter(client);
+  client.onFormat = [&] { adapter.SetValueAsync(1, Bool(true), false); };
+  adapter.EnableInternalValueFormat();
+  adapter.EnableDefaultValueFormat();
+  EXPECT_THAT(client.Calls(),
+              ElementsAre("internal format", "SetValue 1 2:1 false", "default format", "SetValue 1 2.7:1 false"));
 }
 
 /// Every operation with its callback: what is sent, stored and logged when the answer is bad.
@@ -243,7 +258,8 @@ TEST(Messenger, TakesTheDefaultForAZeroTimeoutAndNoneForAnInfiniteOrHugeOne) {
     Rig rig(Steps{{"a", Respond("a", "done")}}, timeout == kDefault ? kLong : time_duration(kShort));
     EXPECT_EQ(Shown(rig.messenger.Request("x", timeout)), "done||valid|answered") << timeout.total_microseconds();
   }
-  for (const time_duration& over : {time_duration(milliseconds(-1)), time_duration(boost::posix_time::neg_infin)}) {
+  for (const time_duration& over : {time_duration(milliseconds(-1)), time_duration(boost::posix_time::neg_infin),
+                                    time_duration(boost::posix_time::not_a_date_time)}) {
     Rig rig(Steps{{"a", {}}});
     EXPECT_EQ(Shown(rig.messenger.Request("x", over)), kOpen);
   }
@@ -261,6 +277,37 @@ TEST(Messenger, LogsAnswersThatNobodyWaitsFor) {
               ElementsAre("DEBUG Request ID is 's'", "DEBUG Request ID is ''", "DEBUG No docket for response ID 's'",
                           "ERROR ZEL error for request ?: 3; first; second; response: text",
                           "DEBUG No docket for response ID '?'", "ERROR Request ?: Error 'unknown'"));
+}
+
+TEST(Messenger, HoldsItsMutexWhileItSendsAValueWithoutWaiting) {
+  ScopedLogCapture log;
+  ScriptedClient* client = nullptr;
+  Rig rig([&](const std::string&) {
+    client->Post(Respond("s", "ok"));  // on the client's thread, which has to wait for the mutex
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(20);
+    while (std::chrono::steady_clock::now() < end) std::this_thread::yield();
+    EXPECT_THAT(log.Records(), testing::IsEmpty());
+    return Step{"s", {}};
+  });
+  client = &rig.client;
+  EXPECT_TRUE(rig.messenger.SetValueAndIgnoreResponse(7, Bool(true), true));
+  rig.client.Drain();
+  EXPECT_THAT(log.Take(), ElementsAre("DEBUG Request ID is 's'", "DEBUG No docket for response ID 's'"));
+}
+
+TEST(Messenger, NamesItsFunctionsInTheRecords) {
+  Rig rig(Steps{{"a", {}}, {"b", Respond("b", "", 1)}}, kLong, 1);
+  ScopedLogCapture log;
+  rig.messenger.Request("x", milliseconds(50));
+  rig.client.Drain();
+  std::set<std::string> names;
+  for (const Record& record : log.Records()) {
+    names.insert(record.text.substr(0, record.text.find("(")) + ' ' + record.file);
+  }
+  EXPECT_THAT(names, testing::IsSupersetOf({"SynchronizeRequest TalObjectModel/DscAsyncRequestMessenger",
+                                            "WaitForAnswer TalObjectModel/DscAsyncRequestMessenger",
+                                            "OnResponse TalObjectModel/DscAsyncRequestMessenger",
+                                            "UpdateDocketList TalObjectModel/DscAsyncRequestMessenger"}));
 }
 
 TEST(Messenger, PassesDirectCallsOnWithoutWaiting) {

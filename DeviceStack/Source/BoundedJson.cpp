@@ -10,8 +10,11 @@ namespace DeviceStack {
 
 using Notation::Json;
 
+constexpr std::size_t kMaxKeys = 64;  // in one object: they are searched one by one
+
 Json ParseBoundedJson(std::string_view text, std::size_t maxSize, int maxDepth) {
   if (text.size() > maxSize) throw std::runtime_error("is longer than " + std::to_string(maxSize) + " octets");
+  if (text.find('\0') != text.npos) throw std::runtime_error("is not JSON: there is a NUL in it");
   std::vector<std::set<std::string>> keys;  // of the objects that are open
   const auto check = [&](int depth, Json::parse_event_t event, Json& parsed) {
     if (depth >= maxDepth) throw std::runtime_error("is nested deeper than " + std::to_string(maxDepth) + " levels");
@@ -19,6 +22,9 @@ Json ParseBoundedJson(std::string_view text, std::size_t maxSize, int maxDepth) 
     if (event == Json::parse_event_t::object_end) keys.pop_back();
     if (event == Json::parse_event_t::key && !keys.back().insert(parsed.get<std::string>()).second) {
       throw std::runtime_error("the key " + Notation::Quoted(parsed.get<std::string>()) + " occurs twice in an object");
+    }
+    if (event == Json::parse_event_t::key && keys.back().size() > kMaxKeys) {
+      throw std::runtime_error("has an object with more than " + std::to_string(kMaxKeys) + " keys");
     }
     return true;
   };
@@ -28,7 +34,9 @@ Json ParseBoundedJson(std::string_view text, std::size_t maxSize, int maxDepth) 
     std::string reason = error.what();  // "[json.exception.parse_error.101] parse error at line 1, ..."
     const std::size_t bracket = reason.find("] ");
     if (bracket != reason.npos) reason.erase(0, bracket + 2);
-    throw std::runtime_error("is not JSON: " + Notation::OneLine(reason));
+    constexpr std::size_t kShown = 160;  // the parser repeats what it read last, however long
+    const bool isLong = reason.size() > kShown;
+    throw std::runtime_error("is not JSON: " + Notation::OneLine(reason.substr(0, kShown)) + (isLong ? "..." : ""));
   }
 }
 

@@ -74,7 +74,11 @@ class EmbeddedDeviceStack::Service {
   ~Service() { Stop(); }
 
   void Stop() {
-    m_bus.SetReceiver(nullptr);
+    if (!m_isReleased.exchange(true)) m_bus.SetReceiver(nullptr);  // once: then the bus may be somebody else's
+    {
+      const CallLock lock(m_callMutex);
+      m_isStopped = true;
+    }
     m_thread.Stop();
   }
   void WaitUntilIdle() { m_thread.WaitUntilIdle(); }
@@ -107,15 +111,19 @@ class EmbeddedDeviceStack::Service {
   void RequireApplication() const;
   void Give(Operation operation, const Answer& answer);
   void GiveWithFault(Operation operation, const Answer& answer, Fault::Kind kind);
+  bool Send(const Telegram& telegram, std::string& error);
   void Receive(const Telegram& telegram);
   void ReceiveAtWork(const Telegram& telegram, std::vector<BusEvent>& events);
   void Tell(const std::vector<BusEvent>& events);
-  void Count(std::uint64_t Counters::*counter);
+  template <class Call>
+  void CallBack(Call call);
+  void Count(std::uint64_t Counters::*counter, int change = 1);
   std::string Serialised(const AROVALUE& value) const;
 
   KnxBus& m_bus;
   std::atomic<std::uint64_t> m_nextId{1};
   std::atomic<bool> m_internalFormat{false};
+  std::atomic<bool> m_isReleased{false};  ///< the bus
 
   mutable std::mutex m_workMutex;
   ObjectStore m_store;
@@ -125,6 +133,7 @@ class EmbeddedDeviceStack::Service {
   IResponseHandler* m_handler = nullptr;
   void* m_context = nullptr;
   std::shared_ptr<const Listener> m_listener;
+  bool m_isStopped = false;                          ///< nobody is called any more
   std::vector<std::pair<Operation, Answer>> m_late;  ///< held back; used on the service's thread only
 
   std::mutex m_planMutex;
@@ -156,6 +165,8 @@ std::string EmbeddedDeviceStack::Service::Submit(Operation operation, Work work)
       answer.error = error;
     } catch (const std::exception& error) {
       answer.error = ServiceError(ErrorCode::Internal, "", std::string("the service failed: ") + error.what());
+    } catch (...) {
+      answer.error = ServiceError(ErrorCode::Internal, "", "the service failed");
     }
     if (fault.delay.count() <= 0) {
       GiveWithFault(operation, answer, fault.kind);
@@ -164,8 +175,10 @@ std::string EmbeddedDeviceStack::Service::Submit(Operation operation, Work work)
     m_thread.Post([this, operation, answer, kind = fault.kind] { GiveWithFault(operation, answer, kind); },
                   fault.delay);
   };
-  Count(&Counters::requests);
-  return m_thread.Post(task) ? id : std::string();
+  Count(&Counters::requests);  // before the task can be done
+  if (m_thread.Post(task)) return id;
+  Count(&Counters::requests, -1);
+  return {};
 }
 
 void EmbeddedDeviceStack::Service::GiveWithFault(Operation operation, const Answer& answer, Fault::Kind kind) {
@@ -182,8 +195,23 @@ void EmbeddedDeviceStack::Service::GiveWithFault(Operation operation, const Answ
 void EmbeddedDeviceStack::Service::Give(Operation operation, const Answer& answer) {
   Count(&Counters::answered);
   if (answer.error.GetErrorCode() != 0) Count(&Counters::errors);
+  CallBack([&] {
+    if (m_handler != nullptr) Deliver(operation, *m_handler, m_context, answer);
+  });
+}
+
+/// What a callback throws is its own affair: it is logged, and the work goes on.
+template <class Call>
+void EmbeddedDeviceStack::Service::CallBack(Call call) {
   const CallLock lock(m_callMutex);
-  if (m_handler != nullptr) Deliver(operation, *m_handler, m_context, answer);
+  if (m_isStopped) return;
+  try {
+    call();
+  } catch (const std::exception& error) {
+    TAL_LOG(Error) << "A callback of the device stack failed: " << error.what();
+  } catch (...) {
+    TAL_LOG(Error) << "A callback of the device stack failed";
+  }
 }
 
 void EmbeddedDeviceStack::Service::RequireApplication() const {
@@ -236,16 +264,29 @@ void EmbeddedDeviceStack::Service::SetValue(const std::string& text, Answer& ans
   }
   if (const auto telegram = m_store.TelegramOf(answer.id, value)) {
     std::string error;
-    if (!m_bus.Send(*telegram, error)) {
+    if (!Send(*telegram, error)) {
       throw ServiceError(ErrorCode::NotSent, std::to_string(answer.id), "the telegram could not be sent: " + error);
     }
-    Count(&Counters::telegramsSent);
     events.push_back({BusEvent::Kind::Sent, *telegram, *object, value, ""});
   }
   answer.text = Serialised(value);
   m_store.Assign(answer.id, std::move(value));
   lock.unlock();
   Tell(events);
+}
+
+/// Whatever the bus does about it.
+bool EmbeddedDeviceStack::Service::Send(const Telegram& telegram, std::string& error) {
+  bool isSent = false;
+  try {
+    isSent = m_bus.Send(telegram, error);
+  } catch (const std::exception& exception) {
+    error = exception.what();
+  } catch (...) {
+    error = "the bus failed";
+  }
+  Count(isSent ? &Counters::telegramsSent : &Counters::telegramsNotSent);
+  return isSent;
 }
 
 void EmbeddedDeviceStack::Service::Receive(const Telegram& telegram) {
@@ -275,8 +316,7 @@ void EmbeddedDeviceStack::Service::ReceiveAtWork(const Telegram& telegram, std::
     } else {
       events.push_back({Kind::Read, telegram, *effect.object, boost::none, ""});
       std::string error;
-      if (m_bus.Send(*effect.response, error)) {
-        Count(&Counters::telegramsSent);
+      if (Send(*effect.response, error)) {
         events.push_back({Kind::Sent, *effect.response, *effect.object, m_store.Value(effect.object->ValueId()), ""});
       } else {
         events.push_back({Kind::Refused, *effect.response, *effect.object, boost::none, "not sent: " + error});
@@ -287,9 +327,10 @@ void EmbeddedDeviceStack::Service::ReceiveAtWork(const Telegram& telegram, std::
 
 void EmbeddedDeviceStack::Service::Tell(const std::vector<BusEvent>& events) {
   for (const BusEvent& event : events) {
-    const CallLock lock(m_callMutex);
-    const std::shared_ptr<const Listener> listener = m_listener;  // lives on when it takes itself off
-    if (listener && *listener) (*listener)(event);
+    CallBack([&] {
+      const std::shared_ptr<const Listener> listener = m_listener;  // lives on when it takes itself off
+      if (listener && *listener) (*listener)(event);
+    });
   }
 }
 
@@ -364,9 +405,9 @@ void EmbeddedDeviceStack::Service::SetFaultPlan(FaultPlan plan) {
   m_plan = std::move(plan);
 }
 
-void EmbeddedDeviceStack::Service::Count(std::uint64_t Counters::*counter) {
+void EmbeddedDeviceStack::Service::Count(std::uint64_t Counters::*counter, int change) {
   const Lock lock(m_countMutex);
-  ++(m_counters.*counter);
+  m_counters.*counter += static_cast<std::uint64_t>(std::int64_t{change});
 }
 
 Counters EmbeddedDeviceStack::Service::GetCounters() const {
@@ -382,7 +423,7 @@ std::string EmbeddedDeviceStack::Service::Serialised(const AROVALUE& value) cons
 
 EmbeddedDeviceStack::EmbeddedDeviceStack(Installation installation, KnxBus& bus)
     : m_service(std::make_unique<Service>(std::move(installation), bus)) {}
-EmbeddedDeviceStack::~EmbeddedDeviceStack() = default;
+EmbeddedDeviceStack::~EmbeddedDeviceStack() { m_service->Stop(); }
 
 std::string EmbeddedDeviceStack::Request(const std::string& request) {
   return m_service->Submit(Operation::Request,

@@ -87,7 +87,8 @@ void ReadName(const Json& json, const Place& place, CommunicationObject& object)
 void ReadDpt(const Json& json, const Place& place, CommunicationObject& object) {
   std::string error;
   if (!Notation::ParseDpt(ReadText(json, place), object.dpt, error)) place.Fail(error);
-  if (Notation::ValueTypeOf(object.dpt, Notation::Road::Direct) == avtEmpty) {
+  const auto* const main = Notation::FindMainType(object.dpt);
+  if (main == nullptr || (!main->isEncoded && !main->isDecoded)) {
     place.Fail(Notation::FormatDpt(object.dpt) + " has no values here");
   }
 }

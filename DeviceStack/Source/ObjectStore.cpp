@@ -93,40 +93,33 @@ Encoded Encode(const AROVALUE& value, const Notation::Dpt& dpt) {
 }
 
 void ObjectStore::Replace(Installation installation) {
-  m_entries.clear();
+  m_objects = Build(std::move(installation), nullptr);
   m_others.clear();
-  Change(std::move(installation));
 }
 
-void ObjectStore::Change(Installation installation) {
-  std::vector<Entry> entries;
-  std::unordered_map<ObjectId, std::size_t> byId;
-  std::unordered_map<std::string, std::size_t> byName;
-  std::unordered_map<std::uint16_t, std::vector<std::size_t>> byAddress;
+void ObjectStore::Change(Installation installation) { m_objects = Build(std::move(installation), &m_objects); }
+
+ObjectStore::Objects ObjectStore::Build(Installation installation, const Objects* before) {
+  Objects objects;
   for (const CommunicationObject& object : installation.objects) {
     Entry entry{object, object.initial};
-    const auto old = m_byId.find(object.ValueId());
-    if (old != m_byId.end() && old->second < m_entries.size()) {
-      const Entry& before = m_entries[old->second];
-      if (before.object.dpt.Number() == object.dpt.Number() && before.object.initial == object.initial) {
-        entry.value = before.value;
-      }
+    if (before != nullptr && before->byId.count(object.ValueId()) > 0) {
+      const Entry& old = before->entries[before->byId.at(object.ValueId())];
+      const bool isSame = old.object.dpt.Number() == object.dpt.Number() && old.object.initial == object.initial;
+      if (isSame) entry.value = old.value;
     }
-    byId[object.ValueId()] = entries.size();
-    byName[object.name] = entries.size();
-    byAddress[object.address.raw].push_back(entries.size());
-    entries.push_back(std::move(entry));
+    objects.byId[object.ValueId()] = objects.entries.size();
+    objects.byName[object.name] = objects.entries.size();
+    objects.byAddress[object.address.raw].push_back(objects.entries.size());
+    objects.entries.push_back(std::move(entry));
   }
-  m_installation = std::move(installation);
-  m_entries = std::move(entries);
-  m_byId = std::move(byId);
-  m_byName = std::move(byName);
-  m_byAddress = std::move(byAddress);
+  objects.installation = std::move(installation);
+  return objects;
 }
 
 const ObjectStore::Entry* ObjectStore::FindEntry(ObjectId id) const {
-  const auto found = m_byId.find(id);
-  return found != m_byId.end() ? &m_entries[found->second] : nullptr;
+  const auto found = m_objects.byId.find(id);
+  return found != m_objects.byId.end() ? &m_objects.entries[found->second] : nullptr;
 }
 
 const CommunicationObject* ObjectStore::Find(ObjectId id) const {
@@ -135,8 +128,8 @@ const CommunicationObject* ObjectStore::Find(ObjectId id) const {
 }
 
 const CommunicationObject* ObjectStore::Find(const std::string& name) const {
-  const auto found = m_byName.find(name);
-  return found != m_byName.end() ? &m_entries[found->second].object : nullptr;
+  const auto found = m_objects.byName.find(name);
+  return found != m_objects.byName.end() ? &m_objects.entries[found->second].object : nullptr;
 }
 
 const AROVALUE& ObjectStore::Value(ObjectId id) const {
@@ -176,9 +169,9 @@ boost::optional<Telegram> ObjectStore::TelegramOf(ObjectId id, const AROVALUE& v
 }
 
 void ObjectStore::Assign(ObjectId id, AROVALUE value) {
-  const auto found = m_byId.find(id);
-  if (found != m_byId.end()) {
-    m_entries[found->second].value = std::move(value);
+  const auto found = m_objects.byId.find(id);
+  if (found != m_objects.byId.end()) {
+    m_objects.entries[found->second].value = std::move(value);
   } else {
     m_others[id] = std::move(value);
   }
@@ -186,10 +179,10 @@ void ObjectStore::Assign(ObjectId id, AROVALUE value) {
 
 std::vector<ObjectStore::Effect> ObjectStore::Receive(const Telegram& telegram) {
   std::vector<Effect> effects;
-  const auto group = m_byAddress.find(telegram.destination.raw);
-  if (group == m_byAddress.end()) return effects;
+  const auto group = m_objects.byAddress.find(telegram.destination.raw);
+  if (group == m_objects.byAddress.end()) return effects;
   for (const std::size_t i : group->second) {
-    Entry& entry = m_entries[i];
+    Entry& entry = m_objects.entries[i];
     const Flags& flags = entry.object.flags;
     Effect effect{&entry.object, boost::none, boost::none, ""};
     if (telegram.service == Service::Read) {
@@ -215,7 +208,7 @@ std::vector<ObjectStore::Effect> ObjectStore::Receive(const Telegram& telegram) 
 Telegram ObjectStore::Outgoing(const CommunicationObject& object, Service service, KnxStack::GroupValue value) const {
   Telegram telegram;
   telegram.time = std::chrono::system_clock::now();
-  telegram.source = m_installation.address;
+  telegram.source = m_objects.installation.address;
   telegram.destination = object.address;
   telegram.service = service;
   telegram.value = std::move(value);

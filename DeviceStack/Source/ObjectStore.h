@@ -20,7 +20,7 @@ class ObjectStore {
 
   explicit ObjectStore(Installation installation) { Replace(std::move(installation)); }
 
-  const Installation& GetInstallation() const { return m_installation; }
+  const Installation& GetInstallation() const { return m_objects.installation; }
 
   /// Takes another installation. All values begin anew.
   void Replace(Installation installation);
@@ -55,15 +55,21 @@ class ObjectStore {
     CommunicationObject object;
     boost::optional<AROVALUE> value;
   };
+  /// All that belongs to an installation, replaced as a whole.
+  struct Objects {
+    Installation installation;
+    std::vector<Entry> entries;
+    std::unordered_map<ObjectId, std::size_t> byId;  ///< by the value's identifier
+    std::unordered_map<std::string, std::size_t> byName;
+    std::unordered_map<std::uint16_t, std::vector<std::size_t>> byAddress;
+  };
 
   const Entry* FindEntry(ObjectId id) const;
+  /// @param before  whose values are kept; null: none.
+  static Objects Build(Installation installation, const Objects* before);
   Telegram Outgoing(const CommunicationObject& object, Service service, KnxStack::GroupValue value) const;
 
-  Installation m_installation;
-  std::vector<Entry> m_entries;
-  std::unordered_map<ObjectId, std::size_t> m_byId;  ///< by the value's identifier
-  std::unordered_map<std::string, std::size_t> m_byName;
-  std::unordered_map<std::uint16_t, std::vector<std::size_t>> m_byAddress;
+  Objects m_objects;
   std::map<ObjectId, AROVALUE> m_others;  ///< parameters and control values that were set
 };
 

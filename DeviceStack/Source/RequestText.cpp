@@ -84,7 +84,8 @@ Json Count(const Json&, const ObjectStore&, const Counters& counters) {
           {"telegramsIgnored", counters.telegramsIgnored},
           {"valuesDecoded", counters.valuesDecoded},
           {"valuesRefused", counters.valuesRefused},
-          {"telegramsSent", counters.telegramsSent}};
+          {"telegramsSent", counters.telegramsSent},
+          {"telegramsNotSent", counters.telegramsNotSent}};
 }
 
 struct RequestRow {

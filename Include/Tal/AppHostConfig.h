@@ -45,9 +45,11 @@ class TALOBJECTMODEL_EXPORT AppHostConfiguration {
   /// Loads ConfigurationFile(). A file that cannot be read leaves one ERROR record and
   /// everything as it was; a broken one two.
   void LoadConfigurationFile();
+  /// The same from another file. @return success.
+  bool LoadConfigurationFile(const std::string& path);
 
   /// Parses and applies the zero-terminated @p text, which is changed on the way. Elements may be nested up to 256
-  /// deep.
+  /// deep; a file may be 16 MiB long.
   /// @return  false after one ERROR record: malformed XML, or a number that is none or does not fit.
   bool LoadAppHostConfigXML(char* text);
 

@@ -44,6 +44,7 @@ constexpr unsigned kSilent = 200103;
 class TestBus final : public KnxBus {
  public:
   bool Send(const Telegram& telegram, std::string& error) override {
+    if (isBroken) throw std::runtime_error("broken");
     if (isCut) {
       error = "the line is cut";
       return false;
@@ -60,6 +61,7 @@ class TestBus final : public KnxBus {
   }
   std::vector<std::string> sent;
   std::atomic<bool> isCut{false};
+  std::atomic<bool> isBroken{false};
 
  private:
   Receiver m_receiver;
@@ -352,6 +354,62 @@ TEST(EmbeddedDeviceStack, MakesNoCallbackAfterItsHandlerIsTakenOff) {
     handler.reset();
     if (round % 3 == 0) stack.Stop();
   }
+}
+
+TEST(EmbeddedDeviceStack, MakesNoCallbackAfterItWasStoppedInOne) {
+  const ScopedLogCapture quiet(Tal::LogLevel::Fatal);
+  for (const bool inListener : {false, true}) {
+    LoopbackBus bus;
+    EmbeddedDeviceStack stack(ParseInstallation(kHouse, ""), bus);
+    std::atomic<int> calls{0};
+    std::atomic<bool> isDone{false};
+    const auto stop = [&] {
+      stack.Stop();
+      isDone = true;
+    };
+    Listening handler([&](void*, const std::string&) {
+      if (++calls == 2 && !inListener) stop();
+    });
+    stack.SetResponseHandler(&handler, nullptr);
+    stack.SetListener([&](const BusEvent&) {
+      if (inListener) stop();
+    });
+    stack.RegisterApplication("a", "", "");
+    stack.SetFaultPlan([](Operation) { return Fault{Kind::Duplicate, {}}; });
+    stack.SetValue(kLamp, "2:1", false, nullptr);
+    while (!isDone) std::this_thread::yield();
+    stack.Stop();
+    EXPECT_EQ(calls, inListener ? 1 : 2);
+    EXPECT_EQ(stack.GetValue(kLamp, false), "");
+    EXPECT_EQ(stack.GetCounters().requests, 2u);
+  }
+}
+
+TEST(EmbeddedDeviceStack, LeavesItsBusToTheNext) {
+  const ScopedLogCapture quiet(Tal::LogLevel::Fatal);
+  TestBus bus;
+  auto first = std::make_unique<EmbeddedDeviceStack>(ParseInstallation(kHouse, ""), bus);
+  first->Stop();
+  EmbeddedDeviceStack second(ParseInstallation(kHouse, ""), bus);
+  first.reset();
+  bus.Hear("1/0/1 write 1 01");
+  second.WaitUntilIdle();
+  EXPECT_EQ(second.GetCounters().valuesDecoded, 2u);
+}
+
+TEST_F(EmbeddedDeviceStackTest, TakesABusThatThrowsForOneThatDoesNotSend) {
+  Register();
+  bus.isBroken = true;
+  EXPECT_EQ(Set(kLamp, Bool(true)), "error: the telegram could not be sent: broken");
+  EXPECT_THAT(Heard("1/0/1 read 0 -"), ElementsAre("read lamp", "refused lamp: not sent: broken"));
+  EXPECT_EQ(stack.GetCounters().telegramsNotSent, 2u);
+}
+
+TEST_F(EmbeddedDeviceStackTest, GoesOnWhenAListenerThrows) {
+  Register();
+  stack.SetListener([](const BusEvent&) { throw 7; });
+  EXPECT_EQ(Set(kLamp, Bool(true)), "2:1");
+  EXPECT_EQ(Get(kLamp), "2:1");
 }
 
 TEST(EmbeddedDeviceStack, MayBeUsedFromItsCallbacksAndStoppedInAnyState) {

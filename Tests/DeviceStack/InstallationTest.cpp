@@ -41,6 +41,12 @@ TEST(Installation, TravelsThroughItsText) {
   EXPECT_EQ(FormatInstallation(ParseInstallation(formatted, "again")), formatted);
 }
 
+std::string ManyKeys() {
+  std::string text = "{\"k\": 0";
+  for (int i = 0; i < 200000; ++i) text += ",\"" + std::to_string(i) + "\": 0";
+  return text + '}';
+}
+
 struct Case {
   std::string text;
   std::string error;
@@ -57,6 +63,9 @@ TEST(Installation, SaysWhereAndWhyItCannotBeUsed) {
       {"{\"name\": \"\xFF\"}", ": is not JSON: "},
       {std::string(17, '[') + std::string(17, ']'), ": is nested deeper than 16 levels"},
       {std::string(100000, '['), ": is nested deeper than 16 levels"},
+      {std::string("{}\0{", 4), ": is not JSON: there is a NUL in it"},
+      {"{\"" + std::string(100000, 'y') + "\\q", ": is not JSON: parse error at line 1, column 100004: "},
+      {ManyKeys(), ": has an object with more than 64 keys"},
       {R"({"name": "a", "name": "b"})", ": the key 'name' occurs twice in an object"},
       {R"({"name": "a", "address": "1.1.1"})", ": the key 'objects' is missing"},
       {R"({"name": "a\n", "address": "1.1.1", "objects": []})", ": name: 'a\\n' has control characters"},
@@ -77,6 +86,7 @@ TEST(Installation, SaysWhereAndWhyItCannotBeUsed) {
        at + "dpt: '1.' is not a datapoint type: expected main.sub up to 65535 each, such as "
             "9.001, 9, DPST-9-1 or DPT-9"},
       {House(Object(R"({"dpt": "100.1"})")), at + "dpt: 100.001 has no values here"},
+      {House(Object(R"({"dpt": "28.001"})")), at + "dpt: 28.001 has no values here"},
       {House(Object(R"({"groupAddress": "0/0/0"})")),
        at + "groupAddress: '0/0/0' is not a group address: expected main/middle/sub from 0/0/1 to 31/7/255"},
       {House(Object(R"({"groupAddress": "1/8/1"})")),

@@ -127,9 +127,10 @@ TEST(LoggingDeathTest, APropertiesFileDecidesLevelAndPlace) {
       "log4cplus.appender.ERR.layout=log4cplus::PatternLayout\n"
       "log4cplus.appender.ERR.layout.ConversionPattern=<%p %m>%n\n";
   std::ofstream(path) << "log4cplus.rootLogger=INFO, ERR\n" << appender;
-  const auto log = [](bool configured) {
+  const auto log = [&](bool configured) {
     TAL_LOG_AT(Debug, kSite) << "too low";
     TAL_LOG_AT(Info, kSite) << "once";
+    std::remove(path.c_str());  // this process made one of its own
     std::_Exit(configured ? 0 : 1);
   };
   std::string reason;

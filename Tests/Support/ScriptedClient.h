@@ -37,6 +37,8 @@ class ScriptedClient final : public Vanta::IDeviceStackClient {
   /// Gives a step for each request, told as in Calls(); called one at a time.
   using Script = std::function<Step(const std::string& call)>;
 
+  std::function<void()> onFormat;  ///< called inside SetInternalValueFormat()
+
   explicit ScriptedClient(Script script) : m_script(std::move(script)), m_thread([this] { Run(); }) {}
   explicit ScriptedClient(std::deque<Step> steps = {})
       : ScriptedClient([steps = std::move(steps)](const std::string&) mutable {
@@ -89,7 +91,10 @@ class ScriptedClient final : public Vanta::IDeviceStackClient {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_handler = handler;
   }
-  void SetInternalValueFormat(bool enabled) override { Note(enabled ? "internal format" : "default format"); }
+  void SetInternalValueFormat(bool enabled) override {
+    Note(enabled ? "internal format" : "default format");
+    if (onFormat) onFormat();
+  }
   bool SetValueFormat(const std::string& name) override { return Note("SetValueFormat " + name); }
   bool SetConfiguration(AROOBJECTID id, const std::map<PropertyType, Property>& properties) override {
     return Note("configure " + std::to_string(id) + ' ' + properties.at(PropertyType::Name));
@@ -113,7 +118,7 @@ class ScriptedClient final : public Vanta::IDeviceStackClient {
     Note(call);
     Step step;
     {
-      const std::lock_guard<std::mutex> lock(m_mutex);
+      const std::lock_guard<std::mutex> lock(m_scriptMutex);
       step = m_script(call);
     }
     if (step.action) Post(std::move(step.action));
@@ -139,6 +144,7 @@ class ScriptedClient final : public Vanta::IDeviceStackClient {
   mutable std::mutex m_mutex;
   std::condition_variable m_changed;
   std::condition_variable m_idle;
+  std::mutex m_scriptMutex;
   Script m_script;
   std::deque<Action> m_actions;
   std::vector<std::string> m_calls;

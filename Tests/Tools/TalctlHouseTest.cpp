@@ -1,9 +1,11 @@
 // The commands of talctl that talk to a house, and `config`.
 #include <gmock/gmock.h>
 
+#include <unistd.h>
 #include <algorithm>
 #include <atomic>
 #include <csignal>
+
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <thread>
@@ -114,6 +116,9 @@ TEST(TalctlMonitor, PlaysRecordsAndRefusesFiles) {
   const TempFile bad("bad.log", "2026-01-11T06:00:00Z 1.1.1 1/1/1 write 8\n");
   ExpectOneLine("monitor|--log|" + bad.path, 1, "",
                 "error: " + bad.path + ":1: no octets: expected TIME SOURCE DESTINATION SERVICE BITS OCTETS\n");
+  const Outcome full = RunWith(command + "|--record|/dev/full");
+  EXPECT_EQ(full.err, "error: /dev/full: 1 telegrams could not be written\n");
+  EXPECT_EQ(full.status, 1);
   ExpectOneLine("monitor|--log|/no/such", 1, "", "error: /no/such: cannot be read\n");
   ExpectOneLine("monitor|--log|/tmp", 1, "", "error: /tmp: cannot be read\n");
   ExpectOneLine("monitor|--record|/no/such/file", 1, "", "error: /no/such/file: cannot be written\n");
@@ -123,11 +128,10 @@ TEST(TalctlMonitor, EndsWithASummaryWhenInterrupted) {
   for (const int signal : {SIGINT, SIGTERM}) {
     std::signal(signal, SIG_IGN);  // until the command takes it over
     std::atomic<bool> isDone{false};
-    std::thread sender([&] {
-      while (!isDone) {
-        ::raise(signal);
-        std::this_thread::yield();
-      }
+    std::thread sender([&] {  // once, as the second one would end the process
+      struct sigaction action = {};
+      while (!isDone && (sigaction(signal, nullptr, &action), action.sa_handler == SIG_IGN)) std::this_thread::yield();
+      if (!isDone) ::kill(::getpid(), signal);
     });
     const Outcome outcome = RunWith("monitor|--wait");
     isDone = true;

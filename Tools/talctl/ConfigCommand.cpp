@@ -1,6 +1,7 @@
 #include <Notation/Quoted.h>
 #include <Tal/AppHostConfig.h>
 
+#include <filesystem>
 #include <ostream>
 
 #include "Commands.h"
@@ -26,13 +27,13 @@ ExitStatus ConfigCommand::Run(const Invocation& invocation) {
   const std::string path = isGiven ? invocation.operands[0] : Tal::AppHostConfiguration::ConfigurationFile();
   ReasonLog log(invocation.options.logLevel, invocation.streams.err);
   Tal::AppHostConfiguration configuration;
-  boost::optional<std::vector<char>> content = Tal::LoadFile(path);
-  if (!content && isGiven) return Refuse(invocation, OneLine(path) + ": cannot be read");
-  if (!content) invocation.streams.err << OneLine(path) << ": cannot be read, so every setting has its default\n";
-  bool isGood = true;
-  if (content) {
-    content->push_back('\0');
-    isGood = configuration.LoadAppHostConfigXML(content->data());
+  const bool isMissing = !isGiven && !std::filesystem::exists(path);
+  if (isMissing) {
+    invocation.streams.err << OneLine(path) << ": there is no such file, so every setting has its default\n";
+  }
+  const bool isGood = isMissing || configuration.LoadConfigurationFile(path);
+  if (log.FirstReason().rfind("App host config file cannot be read", 0) == 0) {
+    return Refuse(invocation, OneLine(path) + ": cannot be read");
   }
   std::ostream& out = invocation.streams.out;
   Table table({"SETTING", "VALUE", "ORIGIN"});

@@ -17,7 +17,7 @@ constexpr int kDefaultTimeout = 5;  // seconds
 
 // The service of a house answers as one in another process would, not at once: so a time-out that is too short for a
 // real one is too short here.
-constexpr std::chrono::milliseconds kLatency(2);
+constexpr std::chrono::milliseconds kLatency(10);
 
 time_duration ReadTimeout(const std::string& text) {
   constexpr double kLargest = 1e9;  // seconds
@@ -64,7 +64,8 @@ DeviceStack::Installation InstallationOf(const HouseOptions& options) {
 House::House(const HouseOptions& options, DeviceStack::KnxBus& bus)
     : m_timeout(ReadTimeout(options.timeout)),
       m_retries(options.retries),
-      m_stack(InstallationOf(options), bus),
+      m_installation(InstallationOf(options)),
+      m_stack(m_installation, bus),
       m_adapter(m_stack),
       m_messenger(m_adapter, m_timeout, m_retries) {
   m_stack.SetFaultPlan([](DeviceStack::Operation) { return DeviceStack::Fault{{}, kLatency}; });

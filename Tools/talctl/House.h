@@ -53,6 +53,7 @@ class House {
   House(const House&) = delete;
   House& operator=(const House&) = delete;
 
+  const DeviceStack::Installation& Installed() const { return m_installation; }
   DeviceStack::EmbeddedDeviceStack& Stack() { return m_stack; }
   Tal::DscAsyncRequestMessenger& Messenger() { return m_messenger; }
   /// The time-out in force.
@@ -72,9 +73,24 @@ class House {
  private:
   const boost::posix_time::time_duration m_timeout;
   const unsigned m_retries;
+  const DeviceStack::Installation m_installation;  ///< as it was at the start
   DeviceStack::EmbeddedDeviceStack m_stack;
   Tal::RemoteRequestMessengerDeviceStack m_adapter;
   Tal::DscAsyncRequestMessenger m_messenger;
+};
+
+/// Hears a house's bus while it lives.
+class BusWatch {
+ public:
+  BusWatch(House& house, DeviceStack::EmbeddedDeviceStack::Listener listener) : m_house(house) {
+    m_house.Stack().SetListener(std::move(listener));
+  }
+  ~BusWatch() { m_house.Stack().SetListener(nullptr); }
+  BusWatch(const BusWatch&) = delete;
+  BusWatch& operator=(const BusWatch&) = delete;
+
+ private:
+  House& m_house;
 };
 
 /// Runs @p body and answers what it refuses.

@@ -76,7 +76,7 @@ class Journey {
   }
 
   void Load() {
-    const DeviceStack::Installation installation = InstallationOf({});
+    const DeviceStack::Installation& installation = m_house.Installed();
     m_out << installation.name << ": " << installation.objects.size() << " communication objects, device "
           << FormatAddress(installation.address) << "\n";
     m_house.Register("journey", TALCTL_VERSION, "");
@@ -87,12 +87,13 @@ class Journey {
 
   void Play() {
     m_out << "From the bus: a morning's telegrams, decoded, and answered where they ask.\n\n";
-    TelegramTable table(InstallationOf({}), false, m_out);
+    TelegramTable table(m_house.Installed(), false, m_out);
     table.PrintHeading();
-    m_house.Stack().SetListener([&](const BusEvent& event) { table.Print(event); });
-    m_bus.Play([] { return false; });
-    m_house.Stack().WaitUntilIdle();
-    m_house.Stack().SetListener(nullptr);
+    {
+      const BusWatch watch(m_house, [&](const BusEvent& event) { table.Print(event); });
+      m_bus.Play([] { return false; });
+      m_house.Stack().WaitUntilIdle();
+    }
     const DeviceStack::Counters counters = m_house.Stack().GetCounters();
     Expect(counters.valuesDecoded == kDecoded && counters.valuesRefused == kRefusedValues);
   }
@@ -101,7 +102,7 @@ class Journey {
     m_out << "\nFrom the application: values set and read back.\n\n";
     Table table({"OBJECT", "SET TO", "OCTETS", "READ BACK", "NOTES"});
     std::string octets;
-    m_house.Stack().SetListener([&](const BusEvent& event) {
+    const BusWatch watch(m_house, [&](const BusEvent& event) {
       if (event.kind == BusEvent::Kind::Sent) octets = Hex(event.telegram.value.GetRawData());
     });
     for (const SetRow& row : kSets) {
@@ -123,7 +124,6 @@ class Journey {
       Expect(isSame);
       table.Add({row.object, row.value, octets, back, note + (isSame ? "" : "  DIFFERS")});
     }
-    m_house.Stack().SetListener(nullptr);
     table.Print(m_out);
   }
 

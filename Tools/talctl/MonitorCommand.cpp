@@ -6,6 +6,7 @@
 #include <atomic>
 #include <csignal>
 #include <fstream>
+#include <iterator>
 #include <ostream>
 #include <sstream>
 #include <thread>
@@ -23,25 +24,27 @@ using DeviceStack::Telegram;
 static_assert(std::atomic<bool>::is_always_lock_free);
 std::atomic<bool> g_isInterrupted{false};
 
-/// Turns Ctrl-C and a request to end into a flag while it lives.
+/// Turns Ctrl-C and a request to end into a flag while it lives. The second one ends the process as ever, should the
+/// first not be heeded.
 class InterruptGuard {
  public:
   InterruptGuard() {
     g_isInterrupted = false;
-    m_previousInt = std::signal(SIGINT, OnSignal);
-    m_previousTerm = std::signal(SIGTERM, OnSignal);
+    struct sigaction action = {};
+    action.sa_handler = OnSignal;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);  // and no restart of what waits for a file
+    for (std::size_t i = 0; i < std::size(kSignals); ++i) sigaction(kSignals[i], &action, &m_previous[i]);
   }
   ~InterruptGuard() {
-    std::signal(SIGINT, m_previousInt);
-    std::signal(SIGTERM, m_previousTerm);
+    for (std::size_t i = 0; i < std::size(kSignals); ++i) sigaction(kSignals[i], &m_previous[i], nullptr);
   }
   InterruptGuard(const InterruptGuard&) = delete;
   InterruptGuard& operator=(const InterruptGuard&) = delete;
 
  private:
   static void OnSignal(int) { g_isInterrupted = true; }
-  void (*m_previousInt)(int);
-  void (*m_previousTerm)(int);
+  static constexpr int kSignals[] = {SIGINT, SIGTERM};
+  struct sigaction m_previous[std::size(kSignals)];
 };
 
 std::vector<Telegram> ReadLog(const std::string& path) {
@@ -75,11 +78,13 @@ void PrintSummary(const Invocation& invocation, const DeviceStack::Counters& cou
 
 CLI::App* MonitorCommand::AddTo(CLI::App& app) {
   CLI::App* const command = app.add_subcommand("monitor", "What happens on the bus of a house");
-  SetHelp(*command, {""},
-          std::string("Plays a telegram log to a house, or waits for its bus, and prints every telegram with the "
-                      "objects that it is\nfor. Ctrl-C ends it with a summary. Telegrams that are refused do not make "
-                      "it fail.\nWithout --log, the sample house plays its own log; another installation waits.\n") +
-              kHouseHelp);
+  SetHelp(
+      *command, {""},
+      std::string("Plays a telegram log to a house, or waits for its bus, and prints every telegram with the "
+                  "objects that it is\nfor. Ctrl-C ends it with a summary. Telegrams that are refused do not make "
+                  "it fail.\nWithout --log, the sample house plays its own log; another installation waits, in vain as "
+                  "long as there is no\nconnection to a real bus.\n") +
+          kHouseHelp);
   AddHouseOptions(*command, m_house);
   command->add_option("--log", m_log, "Telegram log to play")->type_name("FILE");
   command->add_option("--speed", m_speed, "full (default), or real: with the pauses of the log")
@@ -111,22 +116,26 @@ ExitStatus MonitorCommand::Run(const Invocation& invocation) {
     }
     LogBus bus(std::move(telegrams), m_speed == "real" ? LogBus::Speed::Real : LogBus::Speed::Full,
                m_record ? &record : nullptr);
-    const InterruptGuard interrupts;
     House house(m_house, bus);
-    TelegramTable table(InstallationOf(m_house), invocation.options.json, invocation.streams.out);
+    const InterruptGuard interrupts;
+    TelegramTable table(house.Installed(), invocation.options.json, invocation.streams.out);
     table.PrintHeading();
     std::atomic<bool> isBroken{false};  // nobody reads on
-    house.Stack().SetListener([&](const DeviceStack::BusEvent& event) {
-      table.Print(event);
-      if (!invocation.streams.out.flush()) isBroken = true;
-    });
-    const auto isStopped = [&] { return g_isInterrupted || isBroken; };
-    bus.Play(isStopped);
-    house.Stack().WaitUntilIdle();
-    while (waits && !isStopped()) std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    house.Stack().SetListener(nullptr);
-    PrintSummary(invocation, house.Stack().GetCounters());
-    return kDone;
+    {
+      const BusWatch watch(house, [&](const DeviceStack::BusEvent& event) {
+        table.Print(event);
+        if (!invocation.streams.out.flush()) isBroken = true;
+      });
+      const auto isStopped = [&] { return g_isInterrupted || isBroken; };
+      bus.Play(isStopped);
+      house.Stack().WaitUntilIdle();
+      while (waits && !isStopped()) std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    const DeviceStack::Counters counters = house.Stack().GetCounters();
+    PrintSummary(invocation, counters);
+    if (counters.telegramsNotSent == 0) return kDone;
+    throw Refusal(OneLine(m_record.value_or("the bus")) + ": " + std::to_string(counters.telegramsNotSent) +
+                  " telegrams could not be written");
   });
 }
 

@@ -78,12 +78,13 @@ ExitStatus SetCommand::Run(const Invocation& invocation) {
   const std::string text = boost::algorithm::join(std::vector<std::string>(operands.begin() + 1, operands.end()), " ");
   return InHouse(invocation, m_house, [&](House& house) {
     boost::optional<DeviceStack::Telegram> telegram;  // written before the answer comes
-    house.Stack().SetListener([&](const BusEvent& event) {
-      if (event.kind == BusEvent::Kind::Sent && !telegram) telegram = event.telegram;
-    });
     const HouseObject object = house.Find(operands[0]);
-    house.Set(object, text);
-    house.Stack().SetListener(nullptr);
+    {
+      const BusWatch watch(house, [&](const BusEvent& event) {
+        if (event.kind == BusEvent::Kind::Sent && !telegram) telegram = event.telegram;
+      });
+      house.Set(object, text);
+    }
     const AROVALUE value = house.Get(object);
     std::ostream& out = invocation.streams.out;
     if (invocation.options.json) {

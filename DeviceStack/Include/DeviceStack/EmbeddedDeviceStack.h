@@ -54,6 +54,7 @@ struct Counters {
   std::uint64_t valuesDecoded = 0;     ///< by object: a telegram may go to several
   std::uint64_t valuesRefused = 0;
   std::uint64_t telegramsSent = 0;
+  std::uint64_t telegramsNotSent = 0;  ///< the bus did not take them
 };
 
 /// Keeps the objects of an installation between an application and a KNX bus, as the device-stack service does.
@@ -64,14 +65,14 @@ struct Counters {
 ///
 /// All work and all callbacks happen one after the other on a thread of the service's own. Operations may be called
 /// from any thread, callbacks included, before and after Stop(); afterwards requests are not accepted. Callbacks are
-/// made without a lock that an operation needs.
+/// made without a lock that an operation needs; what one throws is logged, and changes nothing else.
 ///
 /// The flags of SetValue(), GetValue() and GetDeviceConfig() mean nothing here, and neither does SetValue()'s context.
 /// Values are accepted in both text forms; answers have the form that SetInternalValueFormat() chose. All requests but
 /// RegisterApplication() need a registered application.
 class EmbeddedDeviceStack final : public Vanta::IDeviceStackClient {
  public:
-  /// @param bus  must outlive the service.
+  /// @param bus  must outlive the service, and be its alone: stop a service before another takes over its bus.
   EmbeddedDeviceStack(Installation installation, KnxBus& bus);
   /// Stops first. Must not run inside a callback.
   ~EmbeddedDeviceStack() override;
@@ -106,7 +107,8 @@ class EmbeddedDeviceStack final : public Vanta::IDeviceStackClient {
   void SetListener(Listener listener);
 
   using FaultPlan = std::function<Fault(Operation)>;
-  /// Asked once for every request, on the caller's thread, one call at a time; an empty one: all is well.
+  /// Asked once for every request, on the caller's thread, one call at a time; it must not call the
+  /// service. An empty one: all is well.
   void SetFaultPlan(FaultPlan plan);
 
   Counters GetCounters() const;

@@ -35,7 +35,8 @@ class KnxBus {
   using Receiver = std::function<void(const Telegram&)>;
 
   virtual ~KnxBus() = default;
-  /// Puts a telegram on the bus. The bus sets its time. @return false, with the reason in @p error: nothing was sent.
+  /// Puts a telegram on the bus, which sets its time. Called with the service's lock held: must not call the service.
+  /// @return false, with the reason in @p error: nothing was sent.
   virtual bool Send(const Telegram& telegram, std::string& error) = 0;
   /// Who gets the telegrams that come in, on any thread, also while Send() runs; an empty one: nobody. The receiver
   /// must be quick and must not call the bus. When this returns, the previous receiver is not and will not be called
