@@ -21,7 +21,7 @@ Json ParseBoundedJson(std::string_view text, std::size_t maxSize, int maxDepth) 
     if (event == Json::parse_event_t::object_start) keys.emplace_back();
     if (event == Json::parse_event_t::object_end) keys.pop_back();
     if (event == Json::parse_event_t::key && !keys.back().insert(parsed.get<std::string>()).second) {
-      throw std::runtime_error("the key " + Notation::Quoted(parsed.get<std::string>()) + " occurs twice in an object");
+      throw std::runtime_error("has the key " + Notation::Quoted(parsed.get<std::string>()) + " twice in an object");
     }
     if (event == Json::parse_event_t::key && keys.back().size() > kMaxKeys) {
       throw std::runtime_error("has an object with more than " + std::to_string(kMaxKeys) + " keys");

@@ -42,8 +42,7 @@ AroValueType OtherType(const ObjectExplanation& explanation) {
     case ObjectKind::ParameterChannel:
       throw ServiceError(ErrorCode::NoValueObject, number,
                          number + " is the " + explanation.text + ": its value is " + std::to_string(id + 1));
-    default:
-      throw ServiceError(ErrorCode::NoValueObject, number, number + " is " + explanation.text + " and has no value");
+    default: throw ServiceError(ErrorCode::NoValueObject, number, number + " has no value: it is " + explanation.text);
   }
 }
 
@@ -77,7 +76,11 @@ Decoded Decode(const KnxStack::GroupValue& groupValue, const Notation::Dpt& dpt)
   return decoded;
 }
 
-}  // namespace
+/// The group value, or why there is none.
+struct Encoded {
+  boost::optional<KnxStack::GroupValue> groupValue;
+  std::string refusal;
+};
 
 Encoded Encode(const AROVALUE& value, const Notation::Dpt& dpt) {
   Encoded encoded;
@@ -91,6 +94,8 @@ Encoded Encode(const AROVALUE& value, const Notation::Dpt& dpt) {
   }
   return encoded;
 }
+
+}  // namespace
 
 void ObjectStore::Replace(Installation installation) {
   m_objects = Build(std::move(installation), nullptr);

@@ -73,11 +73,4 @@ class ObjectStore {
   std::map<ObjectId, AROVALUE> m_others;  ///< parameters and control values that were set
 };
 
-/// The datapoint type's value in a group value, or why there is none.
-struct Encoded {
-  boost::optional<KnxStack::GroupValue> groupValue;
-  std::string refusal;
-};
-Encoded Encode(const AROVALUE& value, const Notation::Dpt& dpt);
-
 }  // namespace DeviceStack

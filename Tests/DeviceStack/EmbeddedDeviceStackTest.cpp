@@ -163,7 +163,7 @@ TEST_F(EmbeddedDeviceStackTest, SaysWhyItRefusesAndChangesNothing) {
   EXPECT_EQ(Get(100105 + 8000), unknown("108105"));
   EXPECT_EQ(Get(kLamp - 1),
             "error: 100100 is the channel of communication object 1 of logical device 1: its value is 100101");
-  EXPECT_EQ(Get(1000), "error: 1000 is the device, and the KNX device and has no value");
+  EXPECT_EQ(Get(1000), "error: 1000 has no value: it is the device, and the KNX device");
   EXPECT_EQ(Get(kTemperature),
             "error: 'temperature' (100103, 9.001) has no value yet: it has neither been set nor received");
   EXPECT_EQ(Set(42, Bool(true)), unknown("42"));

@@ -66,7 +66,7 @@ TEST(Installation, SaysWhereAndWhyItCannotBeUsed) {
       {std::string("{}\0{", 4), ": is not JSON: there is a NUL in it"},
       {"{\"" + std::string(100000, 'y') + "\\q", ": is not JSON: parse error at line 1, column 100004: "},
       {ManyKeys(), ": has an object with more than 64 keys"},
-      {R"({"name": "a", "name": "b"})", ": the key 'name' occurs twice in an object"},
+      {R"({"name": "a", "name": "b"})", ": has the key 'name' twice in an object"},
       {R"({"name": "a", "address": "1.1.1"})", ": the key 'objects' is missing"},
       {R"({"name": "a\n", "address": "1.1.1", "objects": []})", ": name: 'a\\n' has control characters"},
       {R"({"name": "a", "address": "16.1.1", "objects": []})",

@@ -8,6 +8,7 @@
 
 #include "Command.h"
 #include "House.h"
+#include "HouseCommand.h"
 #include "LineCommand.h"
 
 namespace Talctl {
@@ -92,43 +93,43 @@ class DemoCommand final : public Command {
 };
 
 /// `get ID|NAME`: reads an object's value through the messenger.
-class GetCommand final : public Command {
+class GetCommand final : public HouseCommand {
  public:
   CLI::App* AddTo(CLI::App& app) override;
-  ExitStatus Run(const Invocation& invocation) override;
 
  private:
-  HouseOptions m_house;
+  void CheckOperands(const std::vector<std::string>& operands) const override;
+  void RunIn(House& house, const Invocation& invocation) const override;
 };
 
 /// `set ID|NAME VALUE`: sets it, shows the telegram and reads it back.
-class SetCommand final : public Command {
+class SetCommand final : public HouseCommand {
  public:
   CLI::App* AddTo(CLI::App& app) override;
-  ExitStatus Run(const Invocation& invocation) override;
 
  private:
-  HouseOptions m_house;
+  void CheckOperands(const std::vector<std::string>& operands) const override;
+  void RunIn(House& house, const Invocation& invocation) const override;
 };
 
 /// `request TEXT`: a free-form request.
-class RequestCommand final : public Command {
+class RequestCommand final : public HouseCommand {
  public:
   CLI::App* AddTo(CLI::App& app) override;
-  ExitStatus Run(const Invocation& invocation) override;
 
  private:
-  HouseOptions m_house;
+  void CheckOperands(const std::vector<std::string>& operands) const override;
+  void RunIn(House& house, const Invocation& invocation) const override;
 };
 
 /// `register A B C`: registers an application.
-class RegisterCommand final : public Command {
+class RegisterCommand final : public HouseCommand {
  public:
   CLI::App* AddTo(CLI::App& app) override;
-  ExitStatus Run(const Invocation& invocation) override;
 
  private:
-  HouseOptions m_house;
+  void CheckOperands(const std::vector<std::string>& operands) const override;
+  void RunIn(House& house, const Invocation& invocation) const override;
 };
 
 /// `monitor`: what happens on the bus.

@@ -5,7 +5,6 @@
 #include <DeviceStack/LoopbackBus.h>
 #include <Tal/DscAsyncRequestMessenger.h>
 
-#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -56,8 +55,6 @@ class House {
   const DeviceStack::Installation& Installed() const { return m_installation; }
   DeviceStack::EmbeddedDeviceStack& Stack() { return m_stack; }
   Tal::DscAsyncRequestMessenger& Messenger() { return m_messenger; }
-  /// The time-out in force.
-  const boost::posix_time::time_duration& Timeout() const { return m_timeout; }
 
   /// The reply. @throws Refusal  with the service's description, or with what to do when no answer came.
   std::string ReplyOf(const Tal::Docket& docket) const;
