@@ -1,6 +1,8 @@
 #include <Tal/KnxValueConverter.h>
 #include <TalLog/LogRecord.h>
 
+#include <new>
+
 #include "DptTables.h"
 #include "Guarded.h"
 
@@ -44,7 +46,14 @@ DptValueMap::MainMap& DptValueMap::OwnRows() {
 
 bool DptValueMap::Insert(const DptValueEntry& entry) {
   // Deliberate: a row that is there already counts as success and stays.
-  OwnRows()[entry.GetDpt().main].try_emplace(entry.GetDpt().sub, entry);
+  MainMap& rows = OwnRows();
+  const auto [main, isNew] = rows.try_emplace(entry.GetDpt().main);
+  try {
+    main->second.try_emplace(entry.GetDpt().sub, entry);
+  } catch (...) {
+    if (isNew) rows.erase(main);  // a main type without rows would be taken for known
+    throw;
+  }
   return true;
 }
 
@@ -257,8 +266,12 @@ bool TalKnxValueConverter::FromKnxValue(const GroupValue& groupValue, std::strin
   KNXDPT dpt{static_cast<std::uint8_t>(groupValue.GetDefinedSize()), 0, 0};
   AROVALUE value;
   if (!m_converter.FromKnxValue(dpt, groupValue, value)) return false;
-  value.Serialize(serialised, internalFormat);
-  return true;
+  try {
+    value.Serialize(serialised, internalFormat);
+    return true;
+  } catch (const std::bad_alloc&) {  // no exception leaves a conversion
+    return false;
+  }
 }
 
 }  // namespace Tal

@@ -15,13 +15,16 @@ std::string ElapsedText(const boost::timer::cpu_times& elapsed) {
 
 MeasureDuration::~MeasureDuration() {
   const CallSite site{__func__, __PRETTY_FUNCTION__, "Include/Tal/MeasureDuration", kDestructorLine};
-  if (!m_threshold) {
-    TAL_LOG_AT(Debug, site) << m_label << ElapsedText(m_timer.elapsed());
-    return;
+  try {
+    if (!m_threshold) {
+      TAL_LOG_AT(Debug, site) << m_label << ElapsedText(m_timer.elapsed());
+      return;
+    }
+    const boost::timer::cpu_times elapsed = m_timer.elapsed();
+    if (elapsed.wall < m_threshold->count()) return;
+    TAL_LOG_AT(Info, site) << m_label << ElapsedText(elapsed);
+  } catch (...) {  // without memory there is no text, and no record
   }
-  const boost::timer::cpu_times elapsed = m_timer.elapsed();
-  if (elapsed.wall < m_threshold->count()) return;
-  TAL_LOG_AT(Info, site) << m_label << ElapsedText(elapsed);
 }
 
 }  // namespace Tal

@@ -262,15 +262,17 @@ void EmbeddedDeviceStack::Service::SetValue(const std::string& text, Answer& ans
     throw ServiceError(ErrorCode::InvalidValue, std::to_string(answer.id),
                        Notation::Quoted(text) + " is no serialised value: expected a type and a content such as 3:21");
   }
+  std::string stored = Serialised(value);
   if (const auto telegram = m_store.TelegramOf(answer.id, value)) {
+    events.push_back({BusEvent::Kind::Sent, *telegram, *object, value, ""});
     std::string error;
     if (!Send(*telegram, error)) {
       throw ServiceError(ErrorCode::NotSent, std::to_string(answer.id), "the telegram could not be sent: " + error);
     }
-    events.push_back({BusEvent::Kind::Sent, *telegram, *object, value, ""});
   }
-  answer.text = Serialised(value);
+  // What was sent is stored: from here on nothing takes memory.
   m_store.Assign(answer.id, std::move(value));
+  answer.text = std::move(stored);
   lock.unlock();
   Tell(events);
 }

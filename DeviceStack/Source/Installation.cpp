@@ -210,7 +210,7 @@ Installation ParseInstallation(std::string_view text, const std::string& source)
   Json json;
   try {
     json = ParseBoundedJson(text, kMaxInstallationSize, kMaxInstallationDepth);
-  } catch (const std::exception& error) {
+  } catch (const std::runtime_error& error) {  // want of memory says nothing of the text
     place.Fail(error.what());
   }
   return ReadInstallation(json, place);

@@ -55,7 +55,8 @@ constexpr int kMaxInstallationDepth = 16;
 /// Reads an installation from JSON; Docs/Installation.md has the schema. The whole is checked: unknown, repeated and
 /// missing keys, ranges, names and numbers that occur twice, initial values that their datapoint type does not take.
 /// @param source  what errors call the text.
-/// @throws InstallationError  for the first thing that is wrong.
+/// @throws InstallationError  for the first thing that is wrong. Where memory runs out, the process may end: values of
+///                            the JSON library need some to be destroyed.
 Installation ParseInstallation(std::string_view text, const std::string& source);
 
 /// The same from a file. @throws InstallationError  also when it cannot be read.

@@ -8,10 +8,15 @@ namespace Tal {
 
 LogRecord::LogRecord(LogLevel level, const CallSite& site) : m_level(level), m_site(site) {
   m_stream.imbue(std::locale::classic());
-  m_stream << LogEntryFormatter(site);
+  try {
+    m_stream << LogEntryFormatter(site);
+  } catch (...) {
+    m_stream.setstate(std::ios::eofbit);  // without its prefix it is no record: nothing is inserted, nothing written
+  }
 }
 
 LogRecord::~LogRecord() {
+  if (m_stream.eof()) return;
   try {
     const log4cplus::Logger& logger = GetGlobalDefaultLogger();
     log4cplus::spi::InternalLoggingEvent event(logger.getName(), static_cast<int>(m_level), m_stream.str(),

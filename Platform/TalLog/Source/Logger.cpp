@@ -6,6 +6,7 @@
 #include <log4cplus/spi/loggingevent.h>
 
 #include <fstream>
+#include <memory>
 
 #include "ContextText.h"
 
@@ -36,12 +37,12 @@ void AddFallback(log4cplus::Logger logger) {
 }
 
 log4cplus::Logger* MakeDefaultLogger() {
-  auto* logger = new log4cplus::Logger(log4cplus::Logger::getInstance(kDefaultLoggerName));
+  auto logger = std::make_unique<log4cplus::Logger>(log4cplus::Logger::getInstance(kDefaultLoggerName));
   const bool isConfigured =
       logger->getLogLevel() != log4cplus::NOT_SET_LOG_LEVEL || !log4cplus::Logger::getRoot().getAllAppenders().empty();
   if (!isConfigured) logger->setLogLevel(log4cplus::WARN_LOG_LEVEL);
   AddFallback(*logger);
-  return logger;
+  return logger.release();
 }
 
 bool HasConfiguredAppender(log4cplus::Logger logger) {

@@ -11,8 +11,8 @@
 namespace Tal {
 
 /// One log record under construction: streams the prefix first, then what is inserted; the destructor hands it to the
-/// default logger. Numbers are written without regard to any locale. Never throws from the destructor: a record that
-/// cannot be written (memory, appender) is dropped.
+/// default logger. Numbers are written without regard to any locale. Neither constructor nor destructor throws: a
+/// record that cannot be written (memory, appender) is dropped.
 class TALLOG_EXPORT LogRecord {
  public:
   LogRecord(LogLevel level, const CallSite& site);
