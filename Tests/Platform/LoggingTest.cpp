@@ -119,6 +119,46 @@ TEST(Logging, AnUnusableConfigurationIsRefusedAndChangesNothing) {
   EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("still heard"));
 }
 
+/// Whatever the file says, records are made, and what cannot be written harms nobody.
+TEST(Logging, AFaultyConfigurationHarmsNobody) {
+  const std::string path = Temporary("faulty.properties");
+  const std::string toFile = "log4cplus.rootLogger=INFO, A\nlog4cplus.appender.A=log4cplus::FileAppender\n";
+  const struct {
+    std::string text;
+    bool isUsable;
+  } cases[] = {
+      {std::string("\x7F"
+                   "ELF\0\1\xFF=\n====\n\\",
+                   16),
+       false},
+      {"log4cplus.rootLogger=" + std::string(100000, ','), false},
+      {"log4cplus.rootLogger=INFO, A\n", false},
+      {"log4cplus.rootLogger=INFO, A\nlog4cplus.appender.A=acme::NoSuchAppender\n", false},
+      {toFile + "log4cplus.appender.A.layout=acme::NoSuchLayout\nlog4cplus.appender.A.File=/dev/null\n", false},
+      {toFile, true},
+      {toFile + "log4cplus.appender.A.File=/no/such/folder/x.log\n", true},
+      {toFile + "log4cplus.appender.A.File=/\n", true},
+      {toFile + "log4cplus.appender.A.File=/dev/full\nlog4cplus.appender.A.ImmediateFlush=true\n", true},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text.substr(0, 150));
+    std::ofstream(path) << c.text;
+    testing::internal::CaptureStderr();  // where log4cplus complains
+    std::string reason;
+    const bool isUsable = ConfigureLogging(path, reason);
+    for (int i = 0; i < 3; ++i) TAL_LOG_AT(Error, kSite) << "a record";
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(isUsable, c.isUsable);
+    EXPECT_EQ(reason.empty(), c.isUsable) << reason;
+    log4cplus::Logger::getRoot().removeAllAppenders();
+    GetGlobalDefaultLogger().setLogLevel(static_cast<int>(LogLevel::Warn));
+  }
+  std::remove(path.c_str());
+  testing::internal::CaptureStderr();
+  TAL_LOG(Warn) << "still heard";
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("still heard"));
+}
+
 // In processes of their own: a configuration lasts as long as its process.
 TEST(LoggingDeathTest, APropertiesFileDecidesLevelAndPlace) {
   const std::string path = Temporary("good.properties");

@@ -1,11 +1,20 @@
 #include "Tools/RunTalctl.h"
 
 #include <gmock/gmock.h>
+#include <pthread.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <boost/algorithm/string/classification.hpp>
 #include <boost/algorithm/string/split.hpp>
+#include <chrono>
+#include <csignal>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <thread>
+
+#include "Support/TempFile.h"
 
 namespace Talctl {
 namespace {
@@ -270,6 +279,40 @@ TEST(Talctl, FailsWhenItCannotReadOrWrite) {
   err.str("");
   EXPECT_EQ(Talctl::Run({"encode"}, {badIn, out, err}), 1);
   EXPECT_EQ(err.str(), "talctl: standard input cannot be read\n");
+}
+
+TEST(Talctl, GoesOnAfterSignalsThatInterruptItsReadsAndPauses) {
+  struct sigaction action = {};
+  struct sigaction previous;
+  action.sa_handler = [](int) {};  // and no SA_RESTART
+  ASSERT_EQ(sigaction(SIGUSR1, &action, &previous), 0);
+  int ends[2];
+  ASSERT_EQ(::pipe(ends), 0);
+  std::ifstream in("/dev/fd/" + std::to_string(ends[0]));
+  std::ostringstream encoded;
+  std::ostringstream err;
+  const TalTest::TempFile log(
+      "pauses.log", "2026-01-11T06:00:00Z 1.1.10 2/1/1 read 0 -\n2026-01-11T06:00:00.200Z 1.1.10 2/1/1 read 0 -\n");
+  Outcome played;
+  std::atomic<bool> isDone{false};
+  std::thread encode([&] { Talctl::Run({"encode"}, {in, encoded, err}); });
+  std::thread monitor([&] {
+    played = RunWith("monitor|--speed|real|--log|" + log.path);
+    isDone = true;
+  });
+  while (!isDone) {
+    ::pthread_kill(encode.native_handle(), SIGUSR1);
+    ::pthread_kill(monitor.native_handle(), SIGUSR1);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  monitor.join();
+  EXPECT_EQ(::write(ends[1], "1.1 on\n", 7), 7);
+  ::close(ends[1]);
+  encode.join();
+  ::close(ends[0]);
+  sigaction(SIGUSR1, &previous, nullptr);
+  EXPECT_EQ(encoded.str(), "01\n");
+  EXPECT_THAT(played.out, HasSubstr("\n2 telegrams received: "));
 }
 
 TEST(TalctlDpts, DescribesBothRoads) {

@@ -24,8 +24,8 @@ using DeviceStack::Telegram;
 static_assert(std::atomic<bool>::is_always_lock_free);
 std::atomic<bool> g_isInterrupted{false};
 
-/// Turns Ctrl-C and a request to end into a flag while it lives. The second one ends the process as ever, should the
-/// first not be heeded.
+/// Turns Ctrl-C, a request to end and a terminal that goes away (unless nohup guards against it) into a flag while it
+/// lives. The second one ends the process as ever, should the first not be heeded.
 class InterruptGuard {
  public:
   InterruptGuard() {
@@ -33,7 +33,11 @@ class InterruptGuard {
     struct sigaction action = {};
     action.sa_handler = OnSignal;
     action.sa_flags = static_cast<int>(SA_RESETHAND);  // and no restart of what waits for a file
-    for (std::size_t i = 0; i < std::size(kSignals); ++i) sigaction(kSignals[i], &action, &m_previous[i]);
+    for (std::size_t i = 0; i < std::size(kSignals); ++i) {
+      sigaction(kSignals[i], nullptr, &m_previous[i]);
+      const bool isGuarded = kSignals[i] == SIGHUP && m_previous[i].sa_handler == SIG_IGN;
+      if (!isGuarded) sigaction(kSignals[i], &action, nullptr);
+    }
   }
   ~InterruptGuard() {
     for (std::size_t i = 0; i < std::size(kSignals); ++i) sigaction(kSignals[i], &m_previous[i], nullptr);
@@ -43,7 +47,7 @@ class InterruptGuard {
 
  private:
   static void OnSignal(int) { g_isInterrupted = true; }
-  static constexpr int kSignals[] = {SIGINT, SIGTERM};
+  static constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
   struct sigaction m_previous[std::size(kSignals)];
 };
 
