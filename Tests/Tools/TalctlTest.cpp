@@ -98,6 +98,8 @@ TEST(TalctlEncode, RefusesWithTheReasonAndWhatToDo) {
                   "road; take `--road map`"},
       {"25.001|1", "error: Value type 25 not supported (dwDPT=1638401 with value='avt: 6, ToString(): 1'): 25.x is not encoded; "
                    "`talctl dpts` lists what is"},
+      {"24.001|\xD8\x1B", "error: Value type 24 not supported (dwDPT=1572865 with value='avt: 10, ToString(): ?\\x1B'): 24.x is not "
+                           "encoded; `talctl dpts` lists what is"},
       {"300.001|1", "error: Value type 300 not supported (dwDPT=19660801 with value='avt: 1, ToString(): '): 300.x is not known; "
                     "`talctl dpts` lists what is"},
       {"9.01y|1", "error: '9.01y' " + kDptForm}, {"65536.1|1", "error: '65536.1' " + kDptForm}});

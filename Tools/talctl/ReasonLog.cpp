@@ -7,8 +7,12 @@
 #include <algorithm>
 #include <ostream>
 
+#include <Notation/Quoted.h>
+
 namespace Talctl {
 namespace {
+
+using Notation::OneLine;
 
 bool IsReason(const log4cplus::spi::InternalLoggingEvent& event, const std::string& message) {
   const bool level =
@@ -27,7 +31,8 @@ class Listener final : public log4cplus::Appender {
  protected:
   void append(const log4cplus::spi::InternalLoggingEvent& event) override {
     if (m_shown && event.getLogLevel() >= static_cast<int>(*m_shown)) {
-      m_err << log4cplus::getLogLevelManager().toString(event.getLogLevel()) << ' ' << event.getMessage() << '\n';
+      m_err << log4cplus::getLogLevelManager().toString(event.getLogLevel()) << ' ' << OneLine(event.getMessage())
+            << '\n';
     }
     if (!m_reason.empty()) return;
     const std::string message = Tal::MessageOfLogEntry(event.getMessage());
@@ -64,6 +69,6 @@ ReasonLog::Pause::~Pause() { Tal::GetGlobalDefaultLogger().setLogLevel(m_previou
 
 void ReasonLog::Clear() { ReasonIn(m_appender).clear(); }
 
-std::string ReasonLog::FirstReason() const { return ReasonIn(m_appender); }
+std::string ReasonLog::FirstReason() const { return OneLine(ReasonIn(m_appender)); }
 
 }  // namespace Talctl
