@@ -6,6 +6,8 @@ add_library(tal_build INTERFACE)
 target_compile_options(tal_build INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast
   $<$<BOOL:${TAL_WERROR}>:-Werror>
+  -fno-semantic-interposition  # a library calls its own functions straight: nobody else replaces them
+  -fno-plt                     # and those of others by one jump
   "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/="   # log records show TalObjectModel/..., wherever the tree stands
 )
 if(TAL_SANITIZE)

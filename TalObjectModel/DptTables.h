@@ -5,6 +5,7 @@
 #include <BasePlatform/AroValueType.h>
 #include <Tal/KnxConverter.h>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -152,11 +153,16 @@ constexpr ExpectedBits kExpectedBits[] = {
 };
 // clang-format on
 
+constexpr std::size_t kExpectedBitsLimit = 256;  ///< more than the largest main type with a row
+constexpr std::array<std::int32_t, kExpectedBitsLimit> MakeExpectedBits() {
+  std::array<std::int32_t, kExpectedBitsLimit> bits = {};
+  for (const ExpectedBits& row : kExpectedBits) bits[row.main] = row.bits;
+  return bits;
+}
+constexpr std::array<std::int32_t, kExpectedBitsLimit> kExpectedBitsByMain = MakeExpectedBits();
+
 constexpr std::int32_t ExpectedBitsOf(std::uint16_t main) noexcept {
-  for (const ExpectedBits& row : kExpectedBits) {
-    if (row.main == main) return row.bits;
-  }
-  return 0;
+  return main < kExpectedBitsLimit ? kExpectedBitsByMain[main] : 0;
 }
 
 /// What a group value of a size is taken for when no datapoint type is given.

@@ -1,4 +1,3 @@
-#include <KnxHelper/Latin1.h>
 #include <KnxStackApi/GroupValueException.h>
 #include <Tal/GroupValueAroValue.h>
 #include <Tal/KnxValueConverter.h>
@@ -8,7 +7,6 @@
 #include <TalLog/LogRecord.h>
 
 #include <array>
-#include <boost/date_time/posix_time/conversion.hpp>
 #include <cmath>
 
 #include "DirectRoad.h"
@@ -24,123 +22,118 @@ using KnxStack::GroupValue;
 constexpr char kSource[] = "TalObjectModel/GroupValueAroValue";
 constexpr char kTimeOfDayLine[] = "154";  // where a failed assertion on a time of day points to
 
-/// What an encoder may look at, and name in a log record.
-struct EncodeRequest {
+/// Where an encoder's records come from, and of which datapoint type they tell.
+struct EncodeContext {
   const CallSite& site;
-  const AROVALUE& value;
   unsigned long dpt;
 };
 
 /// Writes the group value and returns true, or returns false after its record.
-using Encoder = bool (*)(const EncodeRequest& request, GroupValue& out);
+using Encoder = bool (*)(const AROVALUE& value, GroupValue& out, const EncodeContext& context);
 
 template <class Number>
-bool RefuseNumber(const EncodeRequest& request, Number number) {
-  TAL_LOG_AT(Error, request.site) << "Value out of range: " << number << " (DPT " << (request.dpt >> 16) << ")";
+bool RefuseNumber(const EncodeContext& context, Number number) {
+  TAL_LOG_AT(Error, context.site) << "Value out of range: " << number << " (DPT " << (context.dpt >> 16) << ")";
   return false;
 }
 
-bool EncodeBoolean(const EncodeRequest& request, GroupValue& out) {
-  out.SetAsBoolean(request.value.GetBool());
+bool EncodeBoolean(const AROVALUE& value, GroupValue& out, const EncodeContext&) {
+  out.SetAsBoolean(value.GetBool());
   return true;
 }
 
-bool EncodeUnsigned2(const EncodeRequest& request, GroupValue& out) {
-  out.SetAsUnsigned2(request.value.GetByte());
+bool EncodeUnsigned2(const AROVALUE& value, GroupValue& out, const EncodeContext&) {
+  out.SetAsUnsigned2(value.GetByte());
   return true;
 }
 
-bool EncodeUnsigned4(const EncodeRequest& request, GroupValue& out) {
-  out.SetAsUnsigned4(request.value.GetByte());
+bool EncodeUnsigned4(const AROVALUE& value, GroupValue& out, const EncodeContext&) {
+  out.SetAsUnsigned4(value.GetByte());
   return true;
 }
 
-bool EncodeUnsigned8(const EncodeRequest& request, GroupValue& out) {
-  out.SetAsUnsigned8(request.value.GetByte());
+bool EncodeUnsigned8(const AROVALUE& value, GroupValue& out, const EncodeContext&) {
+  out.SetAsUnsigned8(value.GetByte());
   return true;
 }
 
-bool EncodeSigned8(const EncodeRequest& request, GroupValue& out) {
-  out.SetAsSigned8(static_cast<std::int8_t>(request.value.GetByte()));
+bool EncodeSigned8(const AROVALUE& value, GroupValue& out, const EncodeContext&) {
+  out.SetAsSigned8(static_cast<std::int8_t>(value.GetByte()));
   return true;
 }
 
-bool EncodeScene(const EncodeRequest& request, GroupValue& out) {
+bool EncodeScene(const AROVALUE& value, GroupValue& out, const EncodeContext& context) {
   // Deliberate: no record. Callers know this refusal from the empty result alone and expect a quiet log.
-  if (request.value.GetByte() > 63) return false;
-  return EncodeUnsigned8(request, out);
+  if (value.GetByte() > 63) return false;
+  return EncodeUnsigned8(value, out, context);
 }
 
-bool EncodeUnsigned16(const EncodeRequest& request, GroupValue& out) {
-  const std::uint32_t number = request.value.GetDWord();  // all 32 bits, so that a number too large is seen
-  if (number > 0xFFFF) return RefuseNumber(request, number);
+bool EncodeUnsigned16(const AROVALUE& value, GroupValue& out, const EncodeContext& context) {
+  const std::uint32_t number = value.GetDWord();  // all 32 bits, so that a number too large is seen
+  if (number > 0xFFFF) return RefuseNumber(context, number);
   out.SetAsUnsigned16(static_cast<std::uint16_t>(number));
   return true;
 }
 
-bool EncodeSigned16(const EncodeRequest& request, GroupValue& out) {
-  const std::int32_t number = request.value.GetInteger();
-  if (number < -32768 || number > 32767) return RefuseNumber(request, number);
+bool EncodeSigned16(const AROVALUE& value, GroupValue& out, const EncodeContext& context) {
+  const std::int32_t number = value.GetInteger();
+  if (number < -32768 || number > 32767) return RefuseNumber(context, number);
   out.SetAsSigned16(static_cast<std::int16_t>(number));
   return true;
 }
 
-bool EncodeUnsigned32(const EncodeRequest& request, GroupValue& out) {
-  out.SetAsUnsigned32(request.value.GetDWord());
+bool EncodeUnsigned32(const AROVALUE& value, GroupValue& out, const EncodeContext&) {
+  out.SetAsUnsigned32(value.GetDWord());
   return true;
 }
 
-bool EncodeSigned32(const EncodeRequest& request, GroupValue& out) {
-  out.SetAsSigned32(request.value.GetInteger());
+bool EncodeSigned32(const AROVALUE& value, GroupValue& out, const EncodeContext&) {
+  out.SetAsSigned32(value.GetInteger());
   return true;
 }
 
-bool EncodeFloat16(const EncodeRequest& request, GroupValue& out) {
-  const double number = request.value.GetFloat();
+bool EncodeFloat16(const AROVALUE& value, GroupValue& out, const EncodeContext&) {
+  const double number = value.GetFloat();
   // Deliberate: no record, as for scenes. A NaN is sent on: it has a code on the bus, an infinity has none.
   if (std::isinf(number)) return false;
   out.SetAsFloat16(number);
   return true;
 }
 
-bool EncodeFloat32(const EncodeRequest& request, GroupValue& out) {
-  out.SetAsFloat32(static_cast<float>(request.value.GetFloat()));
+bool EncodeFloat32(const AROVALUE& value, GroupValue& out, const EncodeContext&) {
+  out.SetAsFloat32(static_cast<float>(value.GetFloat()));
   return true;
 }
 
-bool EncodeTimeOfDay(const EncodeRequest& request, GroupValue& out) {
-  const AROTIME& time = request.value.time;
+bool EncodeTimeOfDay(const AROVALUE& value, GroupValue& out, const EncodeContext& context) {
+  const AROTIME& time = value.time;
   const boost::optional<TalApp::TimeOfDay> timeOfDay = TalApp::FromAroTime(time);
-  if (!timeOfDay) return RefuseTimeOfDay(request.site, time);
+  if (!timeOfDay) return RefuseTimeOfDay(context.site, time);
   out.SetAsTimeOfDay(timeOfDay->GetHour(), timeOfDay->GetMinute(), timeOfDay->GetSecond(),
                      static_cast<unsigned>(timeOfDay->GetWeekday()));
   return true;
 }
 
-bool EncodeDate(const EncodeRequest& request, GroupValue& out) {
-  const AROTIME& time = request.value.time;
-  if (!AROTIME::IsValidDate(time.year, time.month, time.day)) return RefuseDate(request.site, time);
+bool EncodeDate(const AROVALUE& value, GroupValue& out, const EncodeContext& context) {
+  const AROTIME& time = value.time;
+  if (!AROTIME::IsValidDate(time.year, time.month, time.day)) return RefuseDate(context.site, time);
   out.SetAsDate(time.day, time.month, time.year);
   return true;
 }
 
-bool EncodeDateTime(const EncodeRequest& request, GroupValue& out) {
-  out = KnxWire::MakeGroupValue(KnxWire::PackDateTime(boost::posix_time::ptime_from_tm(request.value.time)));
+bool EncodeDateTime(const AROVALUE& value, GroupValue& out, const EncodeContext&) {
+  KnxWire::WriteDateTime(out, value.time);
   return true;
 }
 
-bool EncodeText(const EncodeRequest& request, GroupValue& out) {
-  const boost::optional<UTF8String> text = UTF8String::Create(request.value.text);
-  if (!text) {
-    TAL_LOG_AT(Error, request.site) << "Got AROVALUE that contains a non-UTF8 string";
-    return false;
-  }
-  out.SetAsString14(getLatin1FromUTF8Lossy(*text).GetBytes());
-  return true;
+bool EncodeText(const AROVALUE& value, GroupValue& out, const EncodeContext& context) {
+  if (KnxWire::WriteText(out, value.text)) return true;
+  TAL_LOG_AT(Error, context.site) << "Got AROVALUE that contains a non-UTF8 string";
+  return false;
 }
 
-bool EncodeColour(const EncodeRequest& request, GroupValue& out) {
-  out = KnxWire::MakeGroupValue(KnxWire::PackUnsigned24(request.value.GetDWord()));
+bool EncodeColour(const AROVALUE& value, GroupValue& out, const EncodeContext&) {
+  KnxWire::WriteUnsigned24(out, value.GetDWord());
   return true;
 }
 
@@ -204,8 +197,7 @@ boost::optional<AROVALUE> DecodeFloat32(const DecodeRequest& request) {
 }
 
 boost::optional<AROVALUE> DecodeText(const DecodeRequest& request) {
-  const KnxStyleString latin1(request.groupValue.GetAsString14());
-  return ToAroValue(getUTF8FromLatin1(latin1).GetBytes(), request.valueType);
+  return ToAroValue(KnxWire::ReadText(request.groupValue), request.valueType);
 }
 
 boost::optional<AROVALUE> DecodeTimeOfDay(const DecodeRequest& request) {
@@ -319,31 +311,45 @@ constexpr DirectEntry kNoEntry = {};
 
 const DirectEntry& EntryOf(unsigned long main) noexcept { return main < kEntries.size() ? kEntries[main] : kNoEntry; }
 
+// Records stand in functions of their own: a conversion that succeeds does not pass by.
+
+void LogOtherType(const CallSite& site, AroValueType expected, AroValueType given) {
+  TAL_LOG_AT(Error, site) << "Value type mismatch: Expected '" << AROVALUE::GetNameFromValueType(expected) << "', got '"
+                          << AROVALUE::GetNameFromValueType(given) << "'";
+}
+
+void LogNotEncoded(const CallSite& site, unsigned long dpt, const AROVALUE& value) {
+  TAL_LOG_AT(Error, site) << "Value type " << (dpt >> 16) << " not supported (dwDPT=" << dpt
+                          << " with value='avt: " << static_cast<std::int32_t>(AroValueType{value.avt})
+                          << ", ToString(): " << value.ToString() << "').";
+}
+
+void LogCaught(const CallSite& site, const char* what, const std::exception& exception) {
+  TAL_LOG_AT(Error, site) << "Exception caught during conversion of " << what << ": " << exception.what();
+}
+
 }  // namespace
 
 bool HasDirectEncoder(unsigned long main) noexcept { return EntryOf(main).encode != nullptr; }
 bool HasDirectDecoder(unsigned long main) noexcept { return EntryOf(main).decode != nullptr; }
 
 boost::optional<GroupValue> AroValueToGroupValue(const AROVALUE& value, unsigned long dpt) {
-  const CallSite site = TAL_HERE;
-  const unsigned long main = dpt >> 16;
-  const DirectEntry& entry = EntryOf(main);
+  static const CallSite site = TAL_HERE;
+  boost::optional<GroupValue> groupValue;  // the one object that is returned: it is filled where it stands
+  const DirectEntry& entry = EntryOf(dpt >> 16);
   if (value.avt != entry.valueType) {
-    TAL_LOG_AT(Error, site) << "Value type mismatch: Expected '" << AROVALUE::GetNameFromValueType(entry.valueType)
-                            << "', got '" << AROVALUE::GetNameFromValueType(value.avt) << "'";
-    return boost::none;
+    LogOtherType(site, entry.valueType, value.avt);
+    return groupValue;
   }
   if (entry.encode == nullptr) {
-    TAL_LOG_AT(Error, site) << "Value type " << main << " not supported (dwDPT=" << dpt
-                            << " with value='avt: " << static_cast<std::int32_t>(AroValueType{value.avt})
-                            << ", ToString(): " << value.ToString() << "').";
-    return boost::none;
+    LogNotEncoded(site, dpt, value);
+    return groupValue;
   }
-  boost::optional<GroupValue> groupValue(GroupValue{});
+  groupValue.emplace();
   try {
-    if (!entry.encode({site, value, dpt}, *groupValue)) groupValue.reset();
+    if (!entry.encode(value, *groupValue, {site, dpt})) groupValue.reset();
   } catch (const KnxStack::GroupValueException& exception) {
-    TAL_LOG_AT(Error, site) << "Exception caught during conversion of AROVALUE to GroupValue: " << exception.what();
+    LogCaught(site, "AROVALUE to GroupValue", exception);
     groupValue.reset();
   }
   return groupValue;
@@ -351,7 +357,7 @@ boost::optional<GroupValue> AroValueToGroupValue(const AROVALUE& value, unsigned
 
 boost::optional<AROVALUE> GroupValueToAroValue(const GroupValue& value, unsigned long dpt) {
   const MeasureDuration duration("Decoding a KNX value took ", boost::chrono::milliseconds(100));
-  const CallSite site = TAL_HERE;
+  static const CallSite site = TAL_HERE;
   const DirectEntry& entry = EntryOf(dpt >> 16);
   if (entry.valueType == avtEmpty) {
     TAL_LOG_AT(Error, site) << "Unsupported DPT: " << (dpt >> 16) << '.' << (dpt & 0xFFFF);
@@ -367,9 +373,16 @@ boost::optional<AROVALUE> GroupValueToAroValue(const GroupValue& value, unsigned
   try {
     return entry.decode({site, value, entry.valueType});
   } catch (const KnxStack::GroupValueException& exception) {
-    TAL_LOG_AT(Error, site) << "Exception caught during conversion of GroupValue: " << exception.what();
+    LogCaught(site, "GroupValue", exception);
     return boost::none;
   }
+}
+
+/// A converter with the standard rows that lives as long as the process: static objects may check.
+static KnxValueConverter* MakeConverter() {
+  auto converter = std::make_unique<KnxValueConverter>();
+  converter->Init();
+  return converter.release();
 }
 
 bool CheckGroupValue(const GroupValue& value, unsigned long dpt) {
@@ -382,8 +395,7 @@ bool CheckGroupValue(const GroupValue& value, unsigned long dpt) {
   // whole.
   KNXDPT knxDpt{static_cast<std::uint8_t>(value.GetDefinedSize()), static_cast<std::uint16_t>(main),
                 static_cast<std::uint16_t>(dpt & 0xFFFF)};
-  KnxValueConverter converter;
-  converter.Init();
+  static KnxValueConverter& converter = *MakeConverter();
   TAL_LOG(Debug) << "DPT is " << knxDpt << " with bit size " << unsigned{knxDpt.size};
   AROVALUE ignored;
   return converter.FromKnxValue(knxDpt, value, ignored);

@@ -1,11 +1,9 @@
 #include <BasePlatform/AroValueBytes.h>
-#include <KnxHelper/Latin1.h>
 #include <Tal/KnxConverter.h>
 #include <Tal/Text.h>
 #include <Tal/TimeOfDay.h>
 #include <TalLog/LogRecord.h>
 
-#include <boost/date_time/posix_time/conversion.hpp>
 #include <cmath>
 #include <limits>
 #include <ostream>
@@ -151,6 +149,12 @@ std::ostream& operator<<(std::ostream& os, const FloatRange& range) {
 
 namespace {
 
+// Both are called for every conversion: the level is asked before anything is put together.
+
+#define LOG_ENCODE_ENTRY(dpt, value) (!IsLogEnabled(LogLevel::Debug) ? void() : LogEncodeEntry(TAL_HERE, dpt, value))
+#define LOG_DECODE_ENTRY(dpt, groupValue) \
+  (!IsLogEnabled(LogLevel::Debug) ? void() : LogDecodeEntry(TAL_HERE, dpt, groupValue))
+
 void LogEncodeEntry(const CallSite& site, const KNXDPT& dpt, const AROVALUE& value) {
   TAL_LOG_AT(Debug, site) << "DPT is used. DPT = " << dpt << " avt=" << AroValueType{value.avt}
                           << " val=" << value.ToString();
@@ -238,7 +242,7 @@ bool KnxConverterDefault::FromKnxValue(const KNXDPT& dpt, const GroupValue& grou
 }
 
 bool KnxConverter1Bit::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  LogEncodeEntry(TAL_HERE, dpt, value);
+  LOG_ENCODE_ENTRY(dpt, value);
   if (dpt.main != 1 || value.avt != avtBool) return false;
   groupValue.SetAsBoolean(value.GetBool());
   return true;
@@ -251,7 +255,7 @@ bool KnxConverter1Bit::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupVa
 }
 
 bool KnxConverter2Bit::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  LogEncodeEntry(TAL_HERE, dpt, value);
+  LOG_ENCODE_ENTRY(dpt, value);
   if (dpt.main != 2 || value.avt != avtByte) {
     return Refuse(TAL_HERE, "Wrong aro value type (avtByte) or DPT main number (2.x)!");
   }
@@ -260,7 +264,7 @@ bool KnxConverter2Bit::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, Grou
 }
 
 bool KnxConverter2Bit::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
-  LogDecodeEntry(TAL_HERE, dpt, groupValue);
+  LOG_DECODE_ENTRY(dpt, groupValue);
   if (dpt.main != 2) return Refuse(TAL_HERE, "Wrong DPT main number (2.x)!");
   value.SetByte(groupValue.GetAsUnsigned2());
   value.avt = avtByte;
@@ -268,7 +272,7 @@ bool KnxConverter2Bit::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupVa
 }
 
 bool KnxConverter4Bit::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  LogEncodeEntry(TAL_HERE, dpt, value);
+  LOG_ENCODE_ENTRY(dpt, value);
   if (dpt.main != 3 || value.avt != avtByte) {
     return Refuse(TAL_HERE, "Wrong aro value type (avtByte) or DPT main number (3.x)!");
   }
@@ -282,7 +286,7 @@ bool KnxConverter4Bit::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, Grou
 }
 
 bool KnxConverter4Bit::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
-  LogDecodeEntry(TAL_HERE, dpt, groupValue);
+  LOG_DECODE_ENTRY(dpt, groupValue);
   if (dpt.main != 3) return Refuse(TAL_HERE, "Wrong DPT main number (3.x)!");
   // Deliberate: the type stays what the row says, avtFloat; the payload is this byte.
   value.SetByte(groupValue.GetAsUnsigned4());
@@ -296,7 +300,7 @@ constexpr char kNotAscii[] = "Value out of raw range [0..127] for DPT 4.001: ";
 }  // namespace
 
 bool KnxConverter8BitString::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  LogEncodeEntry(TAL_HERE, dpt, value);
+  LOG_ENCODE_ENTRY(dpt, value);
   if (dpt.main != 4 || value.avt != avtString) {
     return Refuse(TAL_HERE, "Wrong aro value type (avtString) or DPT main number (4.x)!");
   }
@@ -312,7 +316,7 @@ bool KnxConverter8BitString::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value
 }
 
 bool KnxConverter8BitString::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
-  LogDecodeEntry(TAL_HERE, dpt, groupValue);
+  LOG_DECODE_ENTRY(dpt, groupValue);
   if (dpt.main != 4) return Refuse(TAL_HERE, "Wrong DPT main number (4.x)!");
   const std::uint8_t octet = groupValue.GetAsUnsigned8();
   if (octet < 128) {
@@ -328,7 +332,7 @@ bool KnxConverter8BitString::FromKnxValue(const KNXDPT& dpt, const GroupValue& g
 }
 
 bool KnxConverterByte8BitUnsigned::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  LogEncodeEntry(TAL_HERE, dpt, value);
+  LOG_ENCODE_ENTRY(dpt, value);
   if (value.avt != avtByte) return Refuse(TAL_HERE, "Wrong aro value type (avtByte)!");
   const std::uint8_t octet = value.GetByte();
   if (dpt.main == 5 && dpt.sub == 6 && !m_range.Contains(octet)) {
@@ -340,7 +344,7 @@ bool KnxConverterByte8BitUnsigned::ToKnxValue(const KNXDPT& dpt, const AROVALUE&
 }
 
 bool KnxConverterByte8BitUnsigned::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
-  LogDecodeEntry(TAL_HERE, dpt, groupValue);
+  LOG_DECODE_ENTRY(dpt, groupValue);
   const std::uint8_t octet = groupValue.GetAsUnsigned8();
   if (!m_range.Contains(octet)) {
     TAL_LOG(Error) << "Value out of raw range " << m_range << " for DPT " << dpt << "; value was " << unsigned{octet};
@@ -352,7 +356,7 @@ bool KnxConverterByte8BitUnsigned::FromKnxValue(const KNXDPT& dpt, const GroupVa
 }
 
 bool KnxConverterInteger8BitSigned::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  LogEncodeEntry(TAL_HERE, dpt, value);
+  LOG_ENCODE_ENTRY(dpt, value);
   if (dpt.main != 6 || value.avt != avtInteger) {
     return Refuse(TAL_HERE, "Wrong aro value type (avtInteger) or DPT main number (6.x)!");
   }
@@ -362,7 +366,7 @@ bool KnxConverterInteger8BitSigned::ToKnxValue(const KNXDPT& dpt, const AROVALUE
 }
 
 bool KnxConverterInteger8BitSigned::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
-  LogDecodeEntry(TAL_HERE, dpt, groupValue);
+  LOG_DECODE_ENTRY(dpt, groupValue);
   value.SetInteger(groupValue.GetAsSigned8());
   value.avt = avtInteger;
   return true;
@@ -375,7 +379,7 @@ bool IsStatusMode(unsigned mode) { return mode == 1 || mode == 2 || mode == 4; }
 }  // namespace
 
 bool KnxConverterStatus8Bit::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  LogEncodeEntry(TAL_HERE, dpt, value);
+  LOG_ENCODE_ENTRY(dpt, value);
   // Deliberate: any one of the three suffices.
   if (dpt.main != 6 && dpt.sub != 20 && value.avt != avtByte) {
     return Refuse(TAL_HERE, "Wrong aro value type (avtByte) or DPT main number (6.020)!");
@@ -387,7 +391,7 @@ bool KnxConverterStatus8Bit::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value
 }
 
 bool KnxConverterStatus8Bit::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
-  LogDecodeEntry(TAL_HERE, dpt, groupValue);
+  LOG_DECODE_ENTRY(dpt, groupValue);
   if (dpt.main != 6 && dpt.sub != 20) return Refuse(TAL_HERE, "Wrong DPT main number (6.020)!");
   const unsigned mode = static_cast<unsigned>(groupValue.GetAsSigned8()) & 0x07u;
   if (!IsStatusMode(mode)) return RefuseInternal(TAL_HERE, dpt, mode);
@@ -400,7 +404,7 @@ bool KnxConverterStatus8Bit::FromKnxValue(const KNXDPT& dpt, const GroupValue& g
 // suffices, and the payload is taken as it stands.
 
 bool KnxConverterInteger16BitUnsigned::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  LogEncodeEntry(TAL_HERE, dpt, value);
+  LOG_ENCODE_ENTRY(dpt, value);
   if (dpt.main != 7 && value.avt != avtWord) {
     return Refuse(TAL_HERE, "Wrong DPT main number (7.x) or aro value type (avtWord)!");
   }
@@ -409,7 +413,7 @@ bool KnxConverterInteger16BitUnsigned::ToKnxValue(const KNXDPT& dpt, const AROVA
 }
 
 bool KnxConverterInteger16BitUnsigned::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
-  LogDecodeEntry(TAL_HERE, dpt, groupValue);
+  LOG_DECODE_ENTRY(dpt, groupValue);
   if (dpt.main != 7) return Refuse(TAL_HERE, "Wrong DPT main number (7.x)!");
   value.SetDWord(groupValue.GetAsUnsigned16());
   value.avt = avtWord;
@@ -417,7 +421,7 @@ bool KnxConverterInteger16BitUnsigned::FromKnxValue(const KNXDPT& dpt, const Gro
 }
 
 bool KnxConverterInteger16BitSigned::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  LogEncodeEntry(TAL_HERE, dpt, value);
+  LOG_ENCODE_ENTRY(dpt, value);
   if (dpt.main != 8 && value.avt != avtInteger) {
     return Refuse(TAL_HERE, "Wrong DPT main number (8.x) or aro value type (avtInteger)!");
   }
@@ -426,7 +430,7 @@ bool KnxConverterInteger16BitSigned::ToKnxValue(const KNXDPT& dpt, const AROVALU
 }
 
 bool KnxConverterInteger16BitSigned::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
-  LogDecodeEntry(TAL_HERE, dpt, groupValue);
+  LOG_DECODE_ENTRY(dpt, groupValue);
   if (dpt.main != 8) return Refuse(TAL_HERE, "Wrong DPT main number (8.x)!");
   value.SetInteger(groupValue.GetAsSigned16());
   value.avt = avtInteger;
@@ -441,7 +445,7 @@ constexpr std::uint16_t kInvalidWord = 0x7FFF;  // what is read as a value of ty
 }  // namespace
 
 bool KnxConverterFloat16BitFloat::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  LogEncodeEntry(TAL_HERE, dpt, value);
+  LOG_ENCODE_ENTRY(dpt, value);
   if (dpt.main != 9 && value.avt != avtFloat && value.avt != avtInvalid) {
     return Refuse(TAL_HERE, "Wrong DPT main number (9.x) or aro value type (avtFloat)!");
   }
@@ -457,7 +461,7 @@ bool KnxConverterFloat16BitFloat::ToKnxValue(const KNXDPT& dpt, const AROVALUE& 
 }
 
 bool KnxConverterFloat16BitFloat::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
-  LogDecodeEntry(TAL_HERE, dpt, groupValue);
+  LOG_DECODE_ENTRY(dpt, groupValue);
   if (groupValue.GetAsUnsigned16() == kInvalidWord) {
     value.avt = avtInvalid;
     return true;
@@ -468,7 +472,7 @@ bool KnxConverterFloat16BitFloat::FromKnxValue(const KNXDPT& dpt, const GroupVal
 }
 
 bool KnxConverterFloat32BitFloat::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  LogEncodeEntry(TAL_HERE, dpt, value);
+  LOG_ENCODE_ENTRY(dpt, value);
   if (dpt.main != 14 && value.avt != avtFloat && value.avt != avtInvalid) {
     return Refuse(TAL_HERE, "Wrong DPT main number (14.x) or aro value type (avtFloat)!");
   }
@@ -478,7 +482,7 @@ bool KnxConverterFloat32BitFloat::ToKnxValue(const KNXDPT& dpt, const AROVALUE& 
 }
 
 bool KnxConverterFloat32BitFloat::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
-  LogDecodeEntry(TAL_HERE, dpt, groupValue);
+  LOG_DECODE_ENTRY(dpt, groupValue);
   if (dpt.main != 14) return Refuse(TAL_HERE, "Wrong DPT main number (14.x)!");
   value.SetFloat(groupValue.GetAsFloat32());
   value.avt = avtFloat;
@@ -486,19 +490,19 @@ bool KnxConverterFloat32BitFloat::FromKnxValue(const KNXDPT& dpt, const GroupVal
 }
 
 bool KnxConverterInteger24BitUnsigned::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  LogEncodeEntry(TAL_HERE, dpt, value);
-  groupValue = KnxWire::MakeGroupValue(KnxWire::PackUnsigned24(value.GetDWord()));
+  LOG_ENCODE_ENTRY(dpt, value);
+  KnxWire::WriteUnsigned24(groupValue, value.GetDWord());
   return true;
 }
 
 bool KnxConverterInteger24BitUnsigned::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
-  LogDecodeEntry(TAL_HERE, dpt, groupValue);
+  LOG_DECODE_ENTRY(dpt, groupValue);
   value.SetDWord(groupValue.GetRawData().GetUInt32Value(0));
   return true;
 }
 
 bool KnxConverterInteger32BitUnsigned::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  LogEncodeEntry(TAL_HERE, dpt, value);
+  LOG_ENCODE_ENTRY(dpt, value);
   if (value.avt != avtDWord) return Refuse(TAL_HERE, "Wrong aro value type (avtDWord)!");
   const std::uint32_t number = value.GetDWord();
   if (!m_range.Contains(number)) return RefuseTyped(TAL_HERE, dpt, value.avt, number);
@@ -507,7 +511,7 @@ bool KnxConverterInteger32BitUnsigned::ToKnxValue(const KNXDPT& dpt, const AROVA
 }
 
 bool KnxConverterInteger32BitUnsigned::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
-  LogDecodeEntry(TAL_HERE, dpt, groupValue);
+  LOG_DECODE_ENTRY(dpt, groupValue);
   const std::uint32_t number = groupValue.GetAsUnsigned32();
   if (!m_range.Contains(number)) return RefuseTyped(TAL_HERE, dpt, value.avt, number);
   value.SetDWord(number);
@@ -516,7 +520,7 @@ bool KnxConverterInteger32BitUnsigned::FromKnxValue(const KNXDPT& dpt, const Gro
 }
 
 bool KnxConverterInteger32BitSigned::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  LogEncodeEntry(TAL_HERE, dpt, value);
+  LOG_ENCODE_ENTRY(dpt, value);
   if (dpt.main != 13 && value.avt != avtInteger) {
     return Refuse(TAL_HERE, "Wrong DPT main number (13.x) or aro value type (avtInteger)!");
   }
@@ -527,7 +531,7 @@ bool KnxConverterInteger32BitSigned::ToKnxValue(const KNXDPT& dpt, const AROVALU
 }
 
 bool KnxConverterInteger32BitSigned::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
-  LogDecodeEntry(TAL_HERE, dpt, groupValue);
+  LOG_DECODE_ENTRY(dpt, groupValue);
   if (dpt.main != 13) return Refuse(TAL_HERE, "Wrong DPT main number (13.x)!");
   const std::int32_t number = groupValue.GetAsSigned32();
   if (!m_range.Contains(number)) {
@@ -540,26 +544,23 @@ bool KnxConverterInteger32BitSigned::FromKnxValue(const KNXDPT& dpt, const Group
 }
 
 bool KnxConverter14ByteString::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  LogEncodeEntry(TAL_HERE, dpt, value);
+  LOG_ENCODE_ENTRY(dpt, value);
   if (dpt.main != 16 || value.avt != avtString) {
     return Refuse(TAL_HERE, "Wrong aro value type (avtString) or DPT main number (16.x)!");
   }
-  const boost::optional<UTF8String> text = UTF8String::Create(value.text);
-  if (!text) return Refuse(TAL_HERE, "Got AROVALUE that contains a non-UTF8 string");
-  groupValue.SetAsString14(getLatin1FromUTF8Lossy(*text).GetBytes());
-  return true;
+  return KnxWire::WriteText(groupValue, value.text) || Refuse(TAL_HERE, "Got AROVALUE that contains a non-UTF8 string");
 }
 
 bool KnxConverter14ByteString::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
-  LogDecodeEntry(TAL_HERE, dpt, groupValue);
+  LOG_DECODE_ENTRY(dpt, groupValue);
   if (dpt.main != 16) return Refuse(TAL_HERE, "Wrong DPT main number (16.x)!");
-  value.text = getUTF8FromLatin1(KnxStyleString(groupValue.GetAsString14())).GetBytes();
+  value.text = KnxWire::ReadText(groupValue);
   value.avt = avtString;
   return true;
 }
 
 bool KnxConverterDate::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  LogEncodeEntry(TAL_HERE, dpt, value);
+  LOG_ENCODE_ENTRY(dpt, value);
   const bool isDate = value.avt == avtDate || value.avt == static_cast<AroValueType>(105) || HasDateAndTime(value.avt);
   if (dpt.main != 11 || !isDate) {
     return Refuse(TAL_HERE, "Wrong aro value type (avtDate) or DPT main number (11.x)!");
@@ -572,7 +573,7 @@ bool KnxConverterDate::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, Grou
 }
 
 bool KnxConverterDate::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
-  LogDecodeEntry(TAL_HERE, dpt, groupValue);
+  LOG_DECODE_ENTRY(dpt, groupValue);
   if (dpt.main != 11) return Refuse(TAL_HERE, "Wrong DPT main number (11.x)!");
   const KnxStack::BinaryData& octets = groupValue.GetRawData();
   if (octets.size() != KnxWire::kDateOctets || octets.GetUInt8Value(2) > KnxWire::kLastTwoDigitYear) {
@@ -586,7 +587,7 @@ bool KnxConverterDate::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupVa
 }
 
 bool KnxConverterTimeOfDay::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  LogEncodeEntry(TAL_HERE, dpt, value);
+  LOG_ENCODE_ENTRY(dpt, value);
   const bool isTime = value.avt == avtTime || value.avt == static_cast<AroValueType>(104) || HasDateAndTime(value.avt);
   if (dpt.main != 10 || !isTime) {
     return Refuse(TAL_HERE, "Wrong aro value type (avtTime) or DPT main number (10.x)!");
@@ -599,7 +600,7 @@ bool KnxConverterTimeOfDay::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value,
 }
 
 bool KnxConverterTimeOfDay::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
-  LogDecodeEntry(TAL_HERE, dpt, groupValue);
+  LOG_DECODE_ENTRY(dpt, groupValue);
   if (dpt.main != 10) return Refuse(TAL_HERE, "Wrong DPT main number (10.x)!");
   if (groupValue.GetRawData().size() < KnxWire::kTimeOfDayOctets) return ReadNothing(value);
   const KnxStack::DayTime fields = groupValue.GetAsTimeOfDay();
@@ -611,7 +612,7 @@ bool KnxConverterTimeOfDay::FromKnxValue(const KNXDPT& dpt, const GroupValue& gr
 }
 
 bool KnxConverterDateTime::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  LogEncodeEntry(TAL_HERE, dpt, value);
+  LOG_ENCODE_ENTRY(dpt, value);
   if (dpt.main != 19 || !HasDateAndTime(value.avt)) {
     return Refuse(TAL_HERE, "Wrong aro value type (avtDateTime) or DPT main number (19.x)!");
   }
@@ -620,12 +621,12 @@ bool KnxConverterDateTime::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, 
       !AROTIME::IsValidTime(time.hour, time.minute, time.second)) {
     return RefuseDate(TAL_HERE, time);
   }
-  groupValue = KnxWire::MakeGroupValue(KnxWire::PackDateTime(boost::posix_time::ptime_from_tm(time)));
+  KnxWire::WriteDateTime(groupValue, time);
   return true;
 }
 
 bool KnxConverterDateTime::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
-  LogDecodeEntry(TAL_HERE, dpt, groupValue);
+  LOG_DECODE_ENTRY(dpt, groupValue);
   if (dpt.main != 19) return Refuse(TAL_HERE, "Wrong DPT main number (19.x)!");
   if (groupValue.GetRawData().size() < KnxWire::kDateTimeOctetsRead) return ReadNothing(value);
   const KnxWire::DateTime moment = KnxWire::UnpackDateTime(groupValue.GetRawData());
@@ -646,7 +647,7 @@ constexpr char kSceneOutOfRange[] = "Scene number is out of range (>63) for Scen
 }  // namespace
 
 bool KnxConverterSceneNumber::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  LogEncodeEntry(TAL_HERE, dpt, value);
+  LOG_ENCODE_ENTRY(dpt, value);
   // Deliberate: any one of the three suffices, and all 32 bits of the payload are looked at.
   if (dpt.main != 17 && dpt.sub != 1 && value.avt != avtByte) {
     return Refuse(TAL_HERE, "Wrong DPT main number (17.001) or aro value type (avtByte)!");
@@ -661,7 +662,7 @@ bool KnxConverterSceneNumber::ToKnxValue(const KNXDPT& dpt, const AROVALUE& valu
 }
 
 bool KnxConverterSceneNumber::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
-  LogDecodeEntry(TAL_HERE, dpt, groupValue);
+  LOG_DECODE_ENTRY(dpt, groupValue);
   if (dpt.main != 17 && dpt.sub != 1) return Refuse(TAL_HERE, "Wrong DPT main number (17.001)!");
   const std::int32_t scene = groupValue.GetAsUnsigned8();
   value.SetInteger(scene);  // Deliberate: before the check, so that a caller can look at what was refused
@@ -674,7 +675,7 @@ bool KnxConverterSceneNumber::FromKnxValue(const KNXDPT& dpt, const GroupValue& 
 }
 
 bool KnxConverterSceneControl::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  LogEncodeEntry(TAL_HERE, dpt, value);
+  LOG_ENCODE_ENTRY(dpt, value);
   if (dpt.main != 18 || dpt.sub != 1 || value.avt != avtByte) {
     return Refuse(TAL_HERE, "Wrong DPT for Scene number (18.001) or aro value type (avtByte).");
   }
@@ -688,7 +689,7 @@ bool KnxConverterSceneControl::ToKnxValue(const KNXDPT& dpt, const AROVALUE& val
 }
 
 bool KnxConverterSceneControl::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
-  LogDecodeEntry(TAL_HERE, dpt, groupValue);
+  LOG_DECODE_ENTRY(dpt, groupValue);
   if (dpt.main != 18 || dpt.sub != 1) return Refuse(TAL_HERE, "Wrong DPT for Scene number, only 18.001 is valid.");
   const std::uint8_t octet = groupValue.GetAsUnsigned8();
   if ((octet & 0x40) != 0) return Refuse(TAL_HERE, kReservedBit);
@@ -698,7 +699,7 @@ bool KnxConverterSceneControl::FromKnxValue(const KNXDPT& dpt, const GroupValue&
 }
 
 bool KnxConverterSceneInfo::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  LogEncodeEntry(TAL_HERE, dpt, value);
+  LOG_ENCODE_ENTRY(dpt, value);
   if (dpt.main != 26 || dpt.sub != 1 || value.avt != avtByte) {
     return Refuse(TAL_HERE, "Wrong DPT for Scene number (26.001) or aro value type (avtByte).");
   }
@@ -709,7 +710,7 @@ bool KnxConverterSceneInfo::ToKnxValue(const KNXDPT& dpt, const AROVALUE& value,
 }
 
 bool KnxConverterSceneInfo::FromKnxValue(const KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
-  LogDecodeEntry(TAL_HERE, dpt, groupValue);
+  LOG_DECODE_ENTRY(dpt, groupValue);
   if (dpt.main != 26 || dpt.sub != 1) return Refuse(TAL_HERE, "Wrong DPT for Scene number, only 26.001 is valid.");
   const std::uint8_t octet = groupValue.GetAsUnsigned8();
   if ((octet & 0x80) != 0) return Refuse(TAL_HERE, kReservedBit);  // Deliberate: the text of scene control serves both

@@ -1,7 +1,10 @@
 #include <Tal/KnxValueConverter.h>
 #include <TalLog/LogRecord.h>
 
+#include <array>
 #include <new>
+#include <utility>
+#include <vector>
 
 #include "DptTables.h"
 #include "Guarded.h"
@@ -22,61 +25,113 @@ DptValueEntry::~DptValueEntry() = default;
 
 namespace {
 
-/// Shared by all tables without rows; the reference that stays here makes each copy it before it changes.
-const std::shared_ptr<DptValueMap::MainMap>& NoRows() {
-  static const auto rows = std::make_shared<DptValueMap::MainMap>();
-  return rows;
-}
-
 const DptValueEntry& FallbackEntry() {
   static const KnxConverterDefault raw;
   static const DptValueEntry entry({}, avtEmpty, AroDP::astGeneric, &raw);
   return entry;
 }
 
+/// Tells of a main type that has no rows at all otherwise than of one whose rows do not fit.
+void LogNoEntry(const CallSite& site, const KNXDPT& dpt, const DptValueMap::MainMap& rows) {
+  constexpr char kNoEntry[] = "No Entry found for DPT = ";
+  if (dpt.sub == 0 || rows.count(dpt.main) == 0) {
+    TAL_LOG_AT(Error, site) << kNoEntry << dpt;
+  } else {
+    TAL_LOG_AT(Error, site) << kNoEntry << dpt.main << ".x";
+  }
+}
+
+/// The rows of one main type, as they are looked up.
+struct MainIndex {
+  const DptValueEntry* whole = nullptr;  ///< sub number 0
+  std::vector<std::pair<std::uint16_t, const DptValueEntry*>> subs;
+
+  /// The row of exactly @p sub, else that of the whole main type, if there is one.
+  const DptValueEntry* Find(std::uint16_t sub) const noexcept {
+    for (const auto& [number, entry] : subs) {
+      if (number == sub) return entry;
+    }
+    return whole;
+  }
+};
+
 }  // namespace
 
-DptValueMap::DptValueMap() : m_rows(NoRows()) {}
+struct DptValueMap::Table {
+  static constexpr std::size_t kIndexed = 256;  ///< main types from here on are looked up in the rows
+
+  Table() = default;
+  Table(const Table& other) : rows(other.rows) {
+    for (auto& main : rows) {
+      for (auto& sub : main.second) AddToIndex(sub.second);
+    }
+  }
+
+  void AddToIndex(const DptValueEntry& entry) {
+    const KNXDPT& dpt = entry.GetDpt();
+    if (dpt.main >= kIndexed) return;
+    if (dpt.sub == 0) {
+      index[dpt.main].whole = &entry;
+    } else {
+      index[dpt.main].subs.emplace_back(dpt.sub, &entry);
+    }
+  }
+
+  const DptValueEntry* Find(const KNXDPT& dpt) const noexcept {
+    if (dpt.main < kIndexed) return index[dpt.main].Find(dpt.sub);
+    const auto main = rows.find(dpt.main);
+    if (main == rows.end()) return nullptr;
+    auto row = main->second.find(dpt.sub);
+    if (row == main->second.end()) row = main->second.find(0);
+    return row == main->second.end() ? nullptr : &row->second;
+  }
+
+  MainMap rows;
+  std::array<MainIndex, kIndexed> index;
+};
+
+DptValueMap::DptValueMap() = default;
 DptValueMap::~DptValueMap() = default;
 
-DptValueMap::MainMap& DptValueMap::OwnRows() {
-  if (m_rows.use_count() > 1) m_rows = std::make_shared<MainMap>(*m_rows);
-  return *m_rows;
+DptValueMap::Table& DptValueMap::OwnTable() {
+  if (!m_table) {
+    m_table = std::make_shared<Table>();
+  } else if (m_table.use_count() > 1) {
+    m_table = std::make_shared<Table>(*m_table);
+  }
+  return *m_table;
 }
 
 bool DptValueMap::Insert(const DptValueEntry& entry) {
-  // Deliberate: a row that is there already counts as success and stays.
-  MainMap& rows = OwnRows();
-  const auto [main, isNew] = rows.try_emplace(entry.GetDpt().main);
+  Table& table = OwnTable();
+  const KNXDPT& dpt = entry.GetDpt();
+  const auto main = table.rows.try_emplace(dpt.main).first;
+  SubMap& subs = main->second;
   try {
-    main->second.try_emplace(entry.GetDpt().sub, entry);
+    // Deliberate: a row that is there already counts as success and stays.
+    const auto [row, isNew] = subs.try_emplace(dpt.sub, entry);
+    if (isNew) table.AddToIndex(row->second);
   } catch (...) {
-    if (isNew) rows.erase(main);  // a main type without rows would be taken for known
+    subs.erase(dpt.sub);
+    if (subs.empty()) table.rows.erase(main);  // a main type without rows would be taken for known
     throw;
   }
   return true;
 }
 
-void DptValueMap::Clear() { m_rows = NoRows(); }
+void DptValueMap::Clear() { m_table.reset(); }
 
-void DptValueMap::ShareRowsOf(const DptValueMap& standard) { m_rows = standard.m_rows; }
+void DptValueMap::ShareRowsOf(const DptValueMap& standard) { m_table = standard.m_table; }
+
+const DptValueMap::MainMap& DptValueMap::Rows() const noexcept {
+  static const MainMap none;
+  return m_table ? m_table->rows : none;
+}
 
 const DptValueEntry& DptValueMap::GetEntry(const KNXDPT& dpt) const {
-  constexpr char kNoEntry[] = "No Entry found for DPT = ";
-  const auto main = m_rows->find(dpt.main);
-  if (main == m_rows->end()) {
-    TAL_LOG(Error) << kNoEntry << dpt;
-    return FallbackEntry();
-  }
-  const SubMap& subs = main->second;
-  const auto exact = subs.find(dpt.sub);
-  if (exact != subs.end()) return exact->second;
-  if (dpt.sub == 0) {
-    TAL_LOG(Error) << kNoEntry << dpt;
-    return FallbackEntry();
-  }
-  if (!subs.empty() && subs.begin()->first == 0) return subs.begin()->second;
-  TAL_LOG(Error) << kNoEntry << dpt.main << ".x";
+  const DptValueEntry* const entry = m_table ? m_table->Find(dpt) : nullptr;
+  if (entry != nullptr) return *entry;
+  LogNoEntry(TAL_HERE, dpt, Rows());
   return FallbackEntry();
 }
 
@@ -153,6 +208,8 @@ bool KnxValueConverter::AreValueTypesCompatible(AroValueType valueType, AroValue
 
 namespace {
 
+// Records stand in functions of their own: a conversion that succeeds does not pass by.
+
 /// What both directions say of a datapoint type without a row.
 void LogAssumedValid(const CallSite& site, const KNXDPT& dpt) {
   TAL_LOG_AT(Error, site) << "No Entry found for DPT = " << dpt;
@@ -161,6 +218,39 @@ void LogAssumedValid(const CallSite& site, const KNXDPT& dpt) {
 
 bool RefuseWithoutCodec(const CallSite& site, const KNXDPT& dpt) {
   TAL_LOG_AT(Error, site) << "NULL pointer as KnxConverter for DPT = " << dpt;
+  return false;
+}
+
+bool RefuseSizeWithoutDpt(const CallSite& site, unsigned bits) {
+  TAL_LOG_AT(Info, site) << "Could not find DPT for bit size " << bits;
+  return false;
+}
+
+bool RefuseWithoutDpt(const CallSite& site, unsigned bits, const GroupValue& groupValue) {
+  RefuseSizeWithoutDpt(site, bits);
+  TAL_LOG_AT(Error, site) << "Convert from KNX value failed. Missing DPT. GroupValue = " << groupValue.ToString();
+  return false;
+}
+
+bool RefuseType(const CallSite& site, const KNXDPT& dpt, AroValueType type) {
+  TAL_LOG_AT(Error, site) << "Invalid value type found for DPT = " << dpt << " val.avt=" << type;
+  return false;
+}
+
+bool RefuseSize(const CallSite& site, const KNXDPT& dpt, unsigned received, std::int32_t expected) {
+  TAL_LOG_AT(Error, site) << "Failed to convert a GroupValue for DPT " << dpt
+                          << " because of unexpected bit size: " << received << ", expected: " << expected;
+  return false;
+}
+
+bool FailEncoding(const CallSite& site, const KNXDPT& dpt, const AROVALUE& value) {
+  TAL_LOG_AT(Error, site) << "Convert to KNX value failed for DPT = " << dpt << " val = " << value.ToString();
+  return false;
+}
+
+bool FailDecoding(const CallSite& site, const KNXDPT& dpt, const GroupValue& groupValue) {
+  TAL_LOG_AT(Error, site) << "Convert from KNX value failed for DPT = " << dpt
+                          << " GroupValue = " << groupValue.ToString();
   return false;
 }
 
@@ -178,11 +268,10 @@ SizeCheck CheckSize(std::int32_t expected, unsigned received) {
 }  // namespace
 
 bool KnxValueConverter::ToKnxValue(KNXDPT& dpt, const AROVALUE& value, GroupValue& groupValue) {
-  const CallSite site = TAL_HERE;
+  static const CallSite site = TAL_HERE;
   return Guarded(site, "Exception caught during conversion of AROVALUE to GroupValue: ", [&] {
     if (dpt.main == 0 && !GetDefaultMappingDptForValueType(dpt, value) && !GetDefaultMappingDptForSize(dpt)) {
-      TAL_LOG_AT(Info, site) << "Could not find DPT for bit size " << unsigned{dpt.size};
-      return false;
+      return RefuseSizeWithoutDpt(site, dpt.size);
     }
     const DptValueEntry& entry = GetEntry(dpt);
     if (entry.GetValueType() == avtEmpty) {
@@ -190,27 +279,20 @@ bool KnxValueConverter::ToKnxValue(KNXDPT& dpt, const AROVALUE& value, GroupValu
       return true;
     }
     if (value.avt != avtInvalid && !AreValueTypesCompatible(value.avt, entry.GetValueType())) {
-      TAL_LOG_AT(Error, site) << "Invalid value type found for DPT = " << dpt << " val.avt=" << AroValueType{value.avt};
-      return false;
+      return RefuseType(site, dpt, value.avt);
     }
     if (entry.GetConverter() == nullptr) return RefuseWithoutCodec(site, dpt);
-    if (entry.GetConverter()->ToKnxValue(dpt, value, groupValue)) return true;
-    TAL_LOG_AT(Error, site) << "Convert to KNX value failed for DPT = " << dpt << " val = " << value.ToString();
-    return false;
+    return entry.GetConverter()->ToKnxValue(dpt, value, groupValue) || FailEncoding(site, dpt, value);
   });
 }
 
 bool KnxValueConverter::FromKnxValue(KNXDPT& dpt, const GroupValue& groupValue, AROVALUE& value) {
-  const CallSite site = TAL_HERE;
+  static const CallSite site = TAL_HERE;
   return Guarded(site, "Exception caught during conversion of GroupValue: ", [&] {
     if (dpt.main == 0) {
       const unsigned bits = dpt.size != 0 ? dpt.size : groupValue.GetDefinedSize();
       const DefaultForSize* const row = FindDefaultForSize(bits);
-      if (row == nullptr) {
-        TAL_LOG_AT(Info, site) << "Could not find DPT for bit size " << bits;
-        TAL_LOG_AT(Error, site) << "Convert from KNX value failed. Missing DPT. GroupValue = " << groupValue.ToString();
-        return false;
-      }
+      if (row == nullptr) return RefuseWithoutDpt(site, bits, groupValue);
       dpt.main = row->main;
       dpt.sub = row->sub;
     }
@@ -222,19 +304,11 @@ bool KnxValueConverter::FromKnxValue(KNXDPT& dpt, const GroupValue& groupValue, 
     }
     const std::int32_t expected = ExpectedBitsOf(dpt.main);
     const SizeCheck size = CheckSize(expected, groupValue.GetDefinedSize());
-    if (size == SizeCheck::Failed) {
-      TAL_LOG_AT(Error, site) << "Failed to convert a GroupValue for DPT " << dpt
-                              << " because of unexpected bit size: " << groupValue.GetDefinedSize()
-                              << ", expected: " << expected;
-      return false;
-    }
+    if (size == SizeCheck::Failed) return RefuseSize(site, dpt, groupValue.GetDefinedSize(), expected);
     if (entry.GetConverter() == nullptr) return RefuseWithoutCodec(site, dpt);
     static const GroupValue nothing;
     const GroupValue& received = size == SizeCheck::Passed ? groupValue : nothing;
-    if (entry.GetConverter()->FromKnxValue(dpt, received, value)) return true;
-    TAL_LOG_AT(Error, site) << "Convert from KNX value failed for DPT = " << dpt
-                            << " GroupValue = " << groupValue.ToString();
-    return false;
+    return entry.GetConverter()->FromKnxValue(dpt, received, value) || FailDecoding(site, dpt, groupValue);
   });
 }
 

@@ -1,5 +1,7 @@
 #include <Tal/TimeOfDay.h>
 
+#include <array>
+
 #include "UnreachableReport.h"
 
 namespace TalApp {
@@ -14,13 +16,18 @@ constexpr AroWeekDays::WEEK_DAY_TYPES BitOf(unsigned day) {
   return static_cast<AroWeekDays::WEEK_DAY_TYPES>(AroWeekDays::Monday << (day - 1));
 }
 
+/// Weekdays by set; no day for the empty set and for sets of two and more.
+constexpr std::array<DayOfWeek, 1u << kDays> MakeDaysOfSets() {
+  std::array<DayOfWeek, 1u << kDays> days = {};
+  for (unsigned day = 1; day <= kDays; ++day) days[BitOf(day)] = static_cast<DayOfWeek>(day);
+  return days;
+}
+constexpr std::array<DayOfWeek, 1u << kDays> kDaysOfSets = MakeDaysOfSets();
+
 }  // namespace
 
 boost::optional<TimeOfDay> FromAroTime(const AROTIME& time) {
-  auto weekday = DayOfWeek::NoDay;  // also for sets of two and more days
-  for (unsigned day = 1; day <= kDays; ++day) {
-    if (time.weekDays == BitOf(day)) weekday = static_cast<DayOfWeek>(day);
-  }
+  const DayOfWeek weekday = time.weekDays < kDaysOfSets.size() ? kDaysOfSets[time.weekDays] : DayOfWeek::NoDay;
   return TimeOfDay::Create(time.hour, time.minute, time.second, weekday);
 }
 

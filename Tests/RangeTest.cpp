@@ -101,8 +101,9 @@ TEST(Range, IsCarriedByCopiesOfACodec) {
 }
 
 TEST(KnxWire, WritesNotADateTimeAsTheFirstOf1970WithoutAWeekday) {
-  const auto octets = KnxWire::PackDateTime(boost::posix_time::ptime());
-  EXPECT_THAT(octets, ElementsAre(70, 1, 1, 0, 0, 0, 0x24, 0));
+  KnxStack::GroupValue groupValue;
+  KnxWire::WriteDateTime(groupValue, boost::posix_time::ptime());
+  EXPECT_EQ(TalTest::Wire(groupValue), "46 01 01 00 00 00 24 00/64");
 }
 
 }  // namespace

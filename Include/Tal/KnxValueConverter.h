@@ -64,12 +64,13 @@ class TALOBJECTMODEL_EXPORT DptValueMap {
   /// rows are removed.
   const DptValueEntry& GetEntry(const KNXDPT& dpt) const;
 
-  const MainMap& Rows() const noexcept { return *m_rows; }
+  const MainMap& Rows() const noexcept;
 
  private:
-  MainMap& OwnRows();
+  struct Table;  ///< rows, and an index of them
+  Table& OwnTable();
 
-  std::shared_ptr<MainMap> m_rows;  ///< perhaps another table's too; never null
+  std::shared_ptr<Table> m_table;  ///< perhaps another map's too; null: no rows
 };
 
 /// Converts values to group values and back with the codec that a table names for the datapoint type.

@@ -31,7 +31,7 @@ void GroupValue::SetAsDate(unsigned day, unsigned month, unsigned year) {
     throw GroupValueException("Date is outside 1990-01-01 to 2089-12-31: " + std::to_string(year) + "-" +
                               std::to_string(month) + "-" + std::to_string(day));
   }
-  Set(24, {Octet(day), Octet(month), Octet(year % 100)});
+  Set(24, Octet(day), Octet(month), Octet(year % 100));
 }
 
 void GroupValue::SetAsTimeOfDay(unsigned hour, unsigned minute, unsigned second, unsigned weekday) {
@@ -39,13 +39,15 @@ void GroupValue::SetAsTimeOfDay(unsigned hour, unsigned minute, unsigned second,
     throw GroupValueException("Time of day is out of range: " + std::to_string(hour) + ":" + std::to_string(minute) +
                               ":" + std::to_string(second) + " weekday " + std::to_string(weekday));
   }
-  Set(24, {Octet(weekday << 5 | hour), Octet(minute), Octet(second)});
+  Set(24, Octet(weekday << 5 | hour), Octet(minute), Octet(second));
 }
 
 void GroupValue::SetAsString14(std::string_view latin1) {
-  std::uint8_t octets[kTextOctets] = {};
-  std::copy_n(latin1.begin(), std::min(latin1.size(), kTextOctets), octets);
-  SetRawData(BinaryData(octets, kTextOctets));
+  std::uint8_t* const octets = m_octets.Renew<kTextOctets>();
+  const std::size_t length = std::min(latin1.size(), kTextOctets);
+  std::memset(octets, 0, kTextOctets);
+  if (length > 0) std::memcpy(octets, latin1.data(), length);
+  m_definedSize = 8 * kTextOctets;
 }
 
 double GroupValue::GetAsFloat16() const { return DecodeFloat16(GetAsUnsigned16()); }

@@ -49,6 +49,21 @@ class BinaryData {
   }
   ~BinaryData() = default;
 
+  /// Replaces all octets by these, up to 14, where the object stands.
+  template <class... Octets>
+  void Assign(Octets... octets) noexcept {
+    std::uint8_t* next = Renew<sizeof...(octets)>();
+    ((*next++ = static_cast<std::uint8_t>(octets)), ...);
+  }
+  /// Makes it so many octets, up to 14. @return  where they stand; what they were is not told.
+  template <std::size_t Count>
+  std::uint8_t* Renew() noexcept {
+    static_assert(Count <= kInlineOctets, "there is no room for more");
+    m_far.reset();
+    m_size = Count;
+    return m_inline.data();
+  }
+
   std::size_t size() const noexcept { return m_size; }
   bool empty() const noexcept { return m_size == 0; }
   const std::uint8_t* data() const noexcept { return m_far ? m_far.get() : m_inline.data(); }

@@ -52,17 +52,17 @@ class GroupValue {
   /// The octets as BinaryData::ToString() prints them.
   std::string ToString() const { return m_octets.ToString(); }
 
-  void SetAsBoolean(bool value) { Set(1, {Octet(value ? 1u : 0u)}); }
-  void SetAsUnsigned2(std::uint8_t value) { Set(2, {Octet(value & 0x03u)}); }
-  void SetAsUnsigned3(std::uint8_t value) { Set(3, {Octet(value & 0x07u)}); }
-  void SetAsUnsigned4(std::uint8_t value) { Set(4, {Octet(value & 0x0Fu)}); }
+  void SetAsBoolean(bool value) { Set(1, Octet(value ? 1u : 0u)); }
+  void SetAsUnsigned2(std::uint8_t value) { Set(2, Octet(value & 0x03u)); }
+  void SetAsUnsigned3(std::uint8_t value) { Set(3, Octet(value & 0x07u)); }
+  void SetAsUnsigned4(std::uint8_t value) { Set(4, Octet(value & 0x0Fu)); }
   void SetAsChar(char value) { SetAsUnsigned8(static_cast<std::uint8_t>(value)); }
-  void SetAsUnsigned8(std::uint8_t value) { Set(8, {value}); }
+  void SetAsUnsigned8(std::uint8_t value) { Set(8, value); }
   void SetAsSigned8(std::int8_t value) { SetAsUnsigned8(static_cast<std::uint8_t>(value)); }
-  void SetAsUnsigned16(std::uint16_t value) { Set(16, {Octet(value >> 8u), Octet(value)}); }
+  void SetAsUnsigned16(std::uint16_t value) { Set(16, Octet(value >> 8u), Octet(value)); }
   void SetAsSigned16(std::int16_t value) { SetAsUnsigned16(static_cast<std::uint16_t>(value)); }
   void SetAsUnsigned32(std::uint32_t value) {
-    Set(32, {Octet(value >> 24), Octet(value >> 16), Octet(value >> 8), Octet(value)});
+    Set(32, Octet(value >> 24), Octet(value >> 16), Octet(value >> 8), Octet(value));
   }
   void SetAsSigned32(std::int32_t value) { SetAsUnsigned32(static_cast<std::uint32_t>(value)); }
   /// IEEE 754 single precision; NaN and infinities are sent as they are.
@@ -79,6 +79,11 @@ class GroupValue {
   KNXSTACKAPI_EXPORT void SetAsTimeOfDay(unsigned hour, unsigned minute, unsigned second, unsigned weekday);
   /// 14 octets of ISO 8859-1: @p latin1 cut at 14 characters, or filled up with zeros.
   KNXSTACKAPI_EXPORT void SetAsString14(std::string_view latin1);
+  /// Up to 14 octets as they are; their size is 8 bits each.
+  template <class... Octets>
+  void SetOctets(Octets... octets) noexcept {
+    Set(8 * sizeof...(octets), octets...);
+  }
   /// Any octets; their size is 8 bits each.
   void SetRawData(BinaryData octets) noexcept {
     m_definedSize = static_cast<unsigned>(8 * octets.size());
@@ -118,8 +123,9 @@ class GroupValue {
  private:
   static constexpr std::uint8_t Octet(std::uint32_t value) noexcept { return static_cast<std::uint8_t>(value); }
   std::uint8_t First() const { return m_octets.GetUInt8Value(0); }
-  void Set(unsigned definedSize, std::initializer_list<std::uint8_t> octets) {
-    m_octets = BinaryData(octets);
+  template <class... Octets>
+  void Set(unsigned definedSize, Octets... octets) noexcept {
+    m_octets.Assign(octets...);
     m_definedSize = definedSize;
   }
 

@@ -1,0 +1,30 @@
+// The datapoint types that conversions are measured with.
+#pragma once
+
+#include <BasePlatform/AroValue.h>
+#include <KnxStackApi/GroupValue.h>
+#include <KnxStackApi/KnxDpt.h>
+
+#include <string>
+#include <vector>
+
+namespace Bench {
+
+struct Sample {
+  std::string name;  ///< "9.001"
+  KNXDPT dpt;
+  AROVALUE direct;  ///< what the direct road encodes
+  AROVALUE map;     ///< what the map road encodes; its type is avtEmpty where that road encodes nothing
+  KnxStack::GroupValue groupValue;
+
+  unsigned long Number() const { return static_cast<unsigned long>(dpt.main) << 16 | dpt.sub; }
+  bool IsOnMap() const { return map.avt != avtEmpty; }
+};
+
+const std::vector<Sample>& Samples();
+
+/// 1024 positions in Samples() in random order; another order each time, so that no predictor learns it.
+constexpr std::size_t kMixed = 1024;
+const std::uint8_t* MixedOrder();
+
+}  // namespace Bench

@@ -1,0 +1,71 @@
+// talctl as a process: its streams from a pipe, and its start.
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+#include <stdexcept>
+
+#include "Operation.h"
+
+namespace Bench {
+namespace {
+
+constexpr std::size_t kLines = 400000;
+
+void Shell(const std::string& command) {
+  if (std::system(command.c_str()) != 0) throw std::runtime_error("cannot run " + command);
+}
+
+/// A file of lines, gone at the end.
+class LineFile {
+ public:
+  explicit LineFile(std::initializer_list<const char*> lines) : m_path("/tmp/tal_bench." + std::to_string(::getpid())) {
+    static int number = 0;
+    m_path += '.' + std::to_string(number++);
+    std::ofstream file(m_path);
+    for (std::size_t i = 0; i < kLines; ++i) file << lines.begin()[i % lines.size()] << '\n';
+  }
+  ~LineFile() { std::remove(m_path.c_str()); }
+  LineFile(const LineFile&) = delete;
+  LineFile& operator=(const LineFile&) = delete;
+  const std::string& Path() const { return m_path; }
+
+ private:
+  std::string m_path;
+};
+
+}  // namespace
+
+void AddTalctl(Operations& operations) {
+  const auto values = std::make_shared<LineFile>(
+      std::initializer_list<const char*>{"9.001 21.5", "5.001 128", "1.001 on", "13.001 -65536", "12.001 305419896"});
+  const auto octets = std::make_shared<LineFile>(
+      std::initializer_list<const char*>{"9.001 0C33", "5.001 80", "1.001 01", "13.001 FFFF0000", "12.001 12345678"});
+  const auto add = [&](const std::string& name, const std::shared_ptr<LineFile>& lines, const std::string& arguments) {
+    operations.push_back({"talctl_line/" + name, "",
+                          [lines, arguments](std::size_t times) {
+                            for (; times > 0; --times) {
+                              Shell("cat " + lines->Path() + " | " TAL_BENCH_TALCTL " " + arguments + " >/dev/null");
+                            }
+                          },
+                          1, kLines, false});
+  };
+  add("encode", values, "encode");
+  add("encode_map", values, "encode --road map");
+  add("encode_json", values, "encode --json");
+  add("decode_map", octets, "decode --road map");
+  add("decode_map_json", octets, "decode --road map --json");
+  const auto start = [&](const std::string& name, const std::string& baseline, const std::string& command) {
+    operations.push_back({name, baseline,
+                          [command](std::size_t times) {
+                            for (; times > 0; --times) Shell("exec " + command + " >/dev/null");
+                          },
+                          1, 1, false});
+  };
+  start("start/empty", "", TAL_BENCH_EMPTY);
+  start("start/talctl", "start/empty", TAL_BENCH_TALCTL " --version");
+}
+
+}  // namespace Bench
