@@ -1,0 +1,43 @@
+#!/usr/bin/env bash
+# Instructions that each operation takes, counted by callgrind, against the budget: Benchmarks/instructions.sh [accept]
+# More than the budget and 3 % ends with status 1. `accept` writes what was counted to Benchmarks/Budget.txt, for a change
+# that is meant. Counts are of one compiler and C library; the budget is that of Debian 12 on amd64.
+set -euo pipefail
+root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
+source "$root/Scripts/setup.sh"
+case ${1-check} in
+  check | accept) mode=${1-check} ;;
+  *) say "usage: Benchmarks/instructions.sh [accept]"; exit 2 ;;
+esac
+source "$root/Benchmarks/setup.sh"
+
+budget=$root/Benchmarks/Budget.txt
+counts=$root/build/instructions
+rm -rf "$counts"
+mkdir -p "$counts"
+LC_ALL=C TZ=UTC valgrind --tool=callgrind --callgrind-out-file="$counts/dump" "$tal_bench" --instructions \
+  >"$counts/operations" 2>"$counts/log" || { cat "$counts/log" >&2; die "cannot count"; }
+# A dump names its operation and its total; the list says how often it was done.
+awk '
+  FILENAME ~ /operations$/ { times[$1] = $2; next }
+  /^desc: Trigger: Client Request: / { name = $5 }
+  /^totals: / { if (name != "") printf "%s %.1f\n", name, $2 / times[name]; name = "" }
+' "$counts/operations" "$counts"/dump.* | sort >"$counts/counted"
+[ "$(wc -l <"$counts/counted")" -eq "$(wc -l <"$counts/operations")" ] || die "not every operation was counted: see $counts"
+
+if [ "$mode" = accept ]; then
+  cp "$counts/counted" "$budget"
+  say "$(wc -l <"$budget") operations accepted in Benchmarks/Budget.txt"
+  exit
+fi
+awk -v margin=1.03 '
+  FILENAME ~ /Budget/ { budget[$1] = $2; next }
+  !($1 in budget) { print $1 ": " $2 " instructions, no budget yet"; bad = 1; next }
+  { seen[$1] = 1; count++ }
+  $2 > budget[$1] * margin + 1 { printf "%s: %s instructions, the budget is %s\n", $1, $2, budget[$1]; bad = 1 }
+  END {
+    for (name in budget) if (!(name in seen)) { print name ": in the budget, but not counted"; bad = 1 }
+    if (bad) print "If this is meant: Benchmarks/instructions.sh accept"
+    else print count " operations within their budgets"
+    exit bad
+  }' "$budget" "$counts/counted"
