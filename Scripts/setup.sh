@@ -46,9 +46,10 @@ need_packages() {
   die "cannot install the packages ${missing[*]}: ${reason:-apt-get failed} (all of it: $log)"
 }
 
-# Configures and builds a preset; silent when there is nothing to do.
+# Configures and builds a preset, or only the named targets of it; silent when there is nothing to do.
 build_preset() {
   local preset=$1 tree=$root/build/$1 fresh=()
+  shift
   if [ -f "$tree/CMakeCache.txt" ] && ! grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$root" "$tree/CMakeCache.txt"; then
     fresh=(--fresh)  # the tree was copied or moved
   fi
@@ -56,7 +57,7 @@ build_preset() {
     say "configuring build/$preset"
     (cd "$root" && cmake "${fresh[@]}" --preset "$preset") >&2 || die "cannot configure the preset '$preset'"
   fi
-  ninja -C "$tree" -n 2>/dev/null | grep -q 'no work to do' && return
+  ninja -C "$tree" -n "$@" 2>/dev/null | grep -q 'no work to do' && return
   say "building build/$preset"
-  (cd "$root" && cmake --build --preset "$preset") >&2 || die "cannot build the preset '$preset'"
+  (cd "$root" && cmake --build --preset "$preset" ${1+--target "$@"}) >&2 || die "cannot build the preset '$preset'"
 }
