@@ -55,10 +55,9 @@ class TALOBJECTMODEL_EXPORT DscAsyncRequestMessenger : public Vanta::IDeviceStac
   Docket GetValue(unsigned long id, bool flag);
   /// @param timeout  zero: the default; infinite: as long as it takes.
   Docket Request(const std::string& request, boost::posix_time::time_duration timeout);
-  /// @param isStillRelevant  asked before waiting, after each wake-up and once after the wait, with the mutex held;
-  /// false
-  ///                         ends the request with an empty docket. Nobody polls: a change is noticed at the next
-  ///                         answer to anybody, or at the time-out. What it throws reaches the caller.
+  /// @param isStillRelevant  asked before waiting, after each wake-up and once after the wait, with the mutex held.
+  ///                         False ends the request with an empty docket. Nobody polls: a change is noticed at the
+  ///                         next answer to anybody, or at the time-out. What it throws reaches the caller.
   Docket SetConfiguration(const std::string& configuration, boost::posix_time::time_duration timeout,
                           const function<bool()>& isStillRelevant);
 
