@@ -65,7 +65,7 @@ constexpr char kFailed[] = "Failed to read configuration file: ";
 constexpr std::size_t kMaxDepth = 256;  // the parser calls itself for every level
 constexpr char kResponseDataPoints[] = "ZelConfig/ResponseDps/Dp/ObjId";
 
-constexpr std::size_t kMaxSize = 16 * 1024 * 1024;
+constexpr std::size_t kMaxSize = std::size_t{16} * 1024 * 1024;
 
 /// The first characters of a file, up to @p limit or a little more; nothing when it cannot be read.
 boost::optional<std::vector<char>> ReadFile(const std::string& path, std::size_t limit) {

@@ -11,8 +11,7 @@
 #include <cstdint>
 #include <string>
 
-namespace Tal {
-namespace KnxWire {
+namespace Tal::KnxWire {
 
 /// Three octets, most significant first; the upper eight bits are dropped.
 inline void WriteUnsigned24(KnxStack::GroupValue& out, std::uint32_t number) noexcept {
@@ -101,5 +100,4 @@ inline DateTime UnpackDateTime(const KnxStack::BinaryData& octets) {
           field(5, 0x3F)};
 }
 
-}  // namespace KnxWire
-}  // namespace Tal
+}  // namespace Tal::KnxWire

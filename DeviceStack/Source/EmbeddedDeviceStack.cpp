@@ -154,7 +154,7 @@ std::string EmbeddedDeviceStack::Service::Submit(Operation operation, Work work)
   if (fault.kind == Fault::Kind::EmptyId) return {};
   Answer answer;
   answer.requestId = std::to_string(m_nextId++);
-  const std::string id = answer.requestId;
+  std::string id = answer.requestId;
   const auto task = [this, operation, fault, work = std::move(work), answer = std::move(answer)]() mutable {
     try {
       if (fault.kind == Fault::Kind::Error) {

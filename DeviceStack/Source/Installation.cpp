@@ -70,7 +70,7 @@ void ReadObjectNumber(const Json& json, const Place& place, CommunicationObject&
 
 /// A text for people: not empty, on one line.
 std::string ReadTitle(const Json& json, const Place& place) {
-  const std::string title = ReadText(json, place);
+  std::string title = ReadText(json, place);
   const auto isControl = [](unsigned char c) { return c < 0x20 || c == 0x7F; };
   if (title.empty()) place.Fail("the text is empty");
   if (std::any_of(title.begin(), title.end(), isControl)) place.Fail(Quoted(title) + " has control characters");
@@ -219,7 +219,7 @@ Installation ParseInstallation(std::string_view text, const std::string& source)
 Installation LoadInstallation(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   std::string text(kMaxInstallationSize + 1, '\0');  // one more tells that it is too long
-  file.read(&text[0], static_cast<std::streamsize>(text.size()));
+  file.read(text.data(), static_cast<std::streamsize>(text.size()));
   if (!file.is_open() || file.bad()) Place(Notation::OneLine(path)).Fail("cannot be read");
   text.resize(static_cast<std::size_t>(file.gcount()));
   return ParseInstallation(text, path);

@@ -13,7 +13,7 @@ namespace {
 using Notation::Json;
 using Notation::Quoted;
 
-constexpr std::size_t kMaxRequestSize = 64 * 1024;
+constexpr std::size_t kMaxRequestSize = std::size_t{64} * 1024;
 constexpr int kMaxRequestDepth = 4;
 
 [[noreturn]] void Fail(const std::string& about, const std::string& reason) {

@@ -10,6 +10,6 @@
 namespace DeviceStack {
 
 /// Answers a request in JSON with JSON on one line. @throws ServiceError  InvalidRequest or UnknownObject.
-std::string AnswerRequest(const std::string& request, const ObjectStore& store, const Counters& counters);
+std::string AnswerRequest(const std::string& text, const ObjectStore& store, const Counters& counters);
 
 }  // namespace DeviceStack

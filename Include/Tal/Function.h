@@ -41,6 +41,7 @@ class function<Result(Arguments...)> {
   template <class Callable>
   struct Storage final : BasicStorage {
     template <class Source>
+    // Never copied or moved. NOLINTNEXTLINE(bugprone-forwarding-reference-overload)
     explicit Storage(Source&& source) : m_callable(std::forward<Source>(source)) {}
     Result operator()(Arguments... arguments) override { return m_callable(std::forward<Arguments>(arguments)...); }
     Callable m_callable;

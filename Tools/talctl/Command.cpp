@@ -15,7 +15,7 @@ class HelpFormatter final : public CLI::Formatter {
   std::string make_usage(const CLI::App*, std::string name) const override {
     std::string text;
     for (const std::string& usage : m_usages) {
-      text += (text.empty() ? "Usage: " : "       ") + name + " [OPTIONS] " + usage + '\n';
+      text.append(text.empty() ? "Usage: " : "       ").append(name).append(" [OPTIONS] ").append(usage).append("\n");
     }
     return text;
   }

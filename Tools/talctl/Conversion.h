@@ -36,7 +36,7 @@ Conversion Decode(std::string_view dpt, std::string_view octets, boost::optional
                   ReasonLog& log);
 
 /// Decodes a group value that is at hand. A result without a value is an error that says so.
-Conversion Decode(const Dpt& dpt, const KnxStack::GroupValue& groupValue, Road road, ReasonLog& log);
+Conversion Decode(const Dpt& given, const KnxStack::GroupValue& groupValue, Road road, ReasonLog& log);
 
 /// Asks CheckGroupValue(). The result has no value.
 Conversion Check(std::string_view dpt, std::string_view octets, boost::optional<unsigned> bits, ReasonLog& log);

@@ -90,7 +90,7 @@ CLI::App* IdCommand::AddTo(CLI::App& app) {
   command->add_option("--parameter", m_parameter, "Application parameter: ip:N, number:N or text:N")
       ->type_name("TYPE:N");
   std::vector<std::string> names;
-  for (const AppControlKind& kind : AppControlKinds()) names.push_back(kind.name);
+  for (const AppControlKind& kind : AppControlKinds()) names.emplace_back(kind.name);
   command->add_option("--app-control", m_appControl, "App host control: channel, state, event, alive or app-debug")
       ->type_name("WHAT")
       ->check(CLI::IsMember(names));

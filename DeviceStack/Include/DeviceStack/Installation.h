@@ -49,7 +49,7 @@ class InstallationError : public std::runtime_error {
 };
 
 /// What is read at most: octets of text, and levels of nesting.
-constexpr std::size_t kMaxInstallationSize = 16 * 1024 * 1024;
+constexpr std::size_t kMaxInstallationSize = std::size_t{16} * 1024 * 1024;
 constexpr int kMaxInstallationDepth = 16;
 
 /// Reads an installation from JSON; Docs/Installation.md has the schema. The whole is checked: unknown, repeated and

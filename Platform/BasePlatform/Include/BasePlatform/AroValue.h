@@ -56,8 +56,8 @@ class BASEPLATFORM_EXPORT AROVALUE {
   /// @p text itself when it is valid UTF-8, else with "?" in the place of each broken sequence.
   static std::string EnsureUTF8(std::string text);
 
-  /// Replaces @p text with the serialised text, in the internal form when @p internalFormat is true.
-  void Serialize(std::string& text, bool internalFormat) const;
+  /// Replaces @p serialised with the serialised text, in the internal form when @p internalFormat is true.
+  void Serialize(std::string& serialised, bool internalFormat) const;
 
   /// Reads a serialised text, in either form. The whole text is checked, and every number against its range.
   /// @return false: the text is none; the value is as it was. Never throws (false when memory runs out).
