@@ -140,8 +140,8 @@ void AddBaselines(Operations& operations) {
     Keep(BareDecode(sample.main, sample.groupValue, out));
     Keep(out);
   });
-  operations.push_back({"cpu_timer", "", ReadClocks, 64, 1, false});
-  operations.push_back({"cpu_timer_and_calendar", "", ReadClocksAndCalendar, 64, 1, false});
+  operations.push_back({"cpu_timer", "", ReadClocks});
+  operations.push_back({"cpu_timer_and_calendar", "", ReadClocksAndCalendar});
   const auto echo = std::make_shared<Echo>();
   operations.push_back({"hand_over", "", [echo](std::size_t times) { echo->ThereAndBack(times); }, 64, 1, false});
 }

@@ -37,7 +37,6 @@ void AddDirectRoad(Operations& operations) {
   for (std::size_t i = first; i < operations.size(); ++i) {  // the timed scope is most of it
     const std::string dpt = operations[i].name.substr(operations[i].name.find('/') + 1);
     operations[i].baseline = dpt == "11.001" || dpt == "19.001" ? "cpu_timer_and_calendar" : "cpu_timer";
-    operations[i].isCounted = false;
   }
   Add(operations, "check", "map_decode", Check);
 }
