@@ -20,9 +20,10 @@ void Add(Operations& operations, const std::string& name, const std::string& bas
   }
   operations.push_back({name + "/mixed", baseline + "/mixed",
                         [convert](std::size_t times) {
+                          const std::vector<Sample>& samples = Samples();
                           for (; times > 0; --times) {
                             const std::uint8_t* const order = MixedOrder();
-                            for (std::size_t i = 0; i < kMixed; ++i) convert(Samples()[order[i]]);
+                            for (std::size_t i = 0; i < kMixed; ++i) convert(samples[order[i]]);
                           }
                         },
                         1, kMixed});

@@ -19,7 +19,6 @@ constexpr Goal kGoals[] = {
     {"map_decode/mixed", "bare_decode/mixed", 2.5},
     {"direct_decode/9.001", "cpu_timer", 1.1},
     {"direct_decode/16.001", "cpu_timer", 1.1},
-    {"direct_decode/mixed", "cpu_timer", 1.1},
     {"direct_decode/11.001", "cpu_timer_and_calendar", 1.1},
     {"direct_decode/19.001", "cpu_timer_and_calendar", 1.1},
     {"messenger/1", "hand_over", 1.5},

@@ -41,9 +41,10 @@ void Add(Operations& operations, const std::string& name, const std::string& bas
   operations.push_back({name + "/mixed", baseline + "/mixed",
                         [convert](std::size_t times) {
                           Tal::KnxValueConverter& converter = Converter();
+                          const std::vector<Sample>& samples = Samples();
                           for (; times > 0; --times) {
                             const std::uint8_t* const order = MixedOrder();
-                            for (std::size_t i = 0; i < kMixed; ++i) convert(converter, Samples()[order[i]]);
+                            for (std::size_t i = 0; i < kMixed; ++i) convert(converter, samples[order[i]]);
                           }
                         },
                         1, kMixed});
@@ -79,9 +80,10 @@ void AddLargeTable(Operations& operations, int rows) {
   }
   operations.push_back({"map_decode/mixed+" + std::to_string(rows), "map_decode/mixed",
                         [converter](std::size_t times) {
+                          const std::vector<Sample>& samples = Samples();
                           for (; times > 0; --times) {
                             const std::uint8_t* const order = MixedOrder();
-                            for (std::size_t i = 0; i < kMixed; ++i) Decode(*converter, Samples()[order[i]]);
+                            for (std::size_t i = 0; i < kMixed; ++i) Decode(*converter, samples[order[i]]);
                           }
                         },
                         1, kMixed});

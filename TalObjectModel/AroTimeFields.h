@@ -1,11 +1,13 @@
 // Time points and times of day as the fields of an AROTIME, without any time zone.
 #pragma once
 
-#include <BasePlatform/AroTime.h>
+#include <BasePlatform/AroValue.h>
 #include <KnxHelper/TimeOfDay.h>
 #include <Tal/TimeOfDay.h>
 
 #include <boost/date_time/posix_time/ptime.hpp>
+
+#include "KnxWire.h"
 
 namespace Tal {
 
@@ -20,6 +22,10 @@ inline void SetCalendarFields(AROTIME& time, const boost::posix_time::ptime& mom
   const unsigned daysAfterMonday = (date.day_of_week().as_number() + 6u) % 7u;
   time.weekDays = static_cast<std::uint16_t>(AroWeekDays::Monday << daysAfterMonday);
 }
+
+/// The value that ToAroValue() makes of a time point with these fields, which must be a day of the calendar and a time
+/// of day.
+AROVALUE LocalValue(const KnxWire::DateTime& moment, AroValueType expectedType);
 
 /// Makes @p time the time of day @p timeOfDay: on 2000-01-01, with the weekday's bit and extraWord 1.
 inline void SetTimeOfDay(AROTIME& time, const TalApp::TimeOfDay& timeOfDay) {

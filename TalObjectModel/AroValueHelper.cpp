@@ -1,11 +1,12 @@
+#include <KnxHelper/Utf8String.h>
 #include <Tal/AroValueHelper.h>
 #include <Tal/TimeOfDay.h>
 #include <TalLog/Assertion.h>
 #include <utf8.h>
 
-#include <boost/date_time/gregorian/conversion.hpp>
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 #include <ctime>
+#include <tuple>
 
 #include "AroTimeFields.h"
 
@@ -56,20 +57,32 @@ void RequireType(const AROVALUE& result, AroValueType expectedType) {
 }
 
 /// Sets the fields of @p time to what the machine's clock shows at the local time @p moment.
-void SetLocalFields(AROTIME& time, const boost::posix_time::ptime& moment) {
-  const boost::posix_time::time_duration clock = moment.time_of_day();
-  std::tm fields = boost::gregorian::to_tm(moment.date());
-  fields.tm_hour = static_cast<int>(clock.hours());
-  fields.tm_min = static_cast<int>(clock.minutes());
-  fields.tm_sec = static_cast<int>(clock.seconds());
+void SetLocalFields(AROTIME& time, const KnxWire::DateTime& moment) {
+  std::tm fields = {};
+  fields.tm_year = moment.year - 1900;
+  fields.tm_mon = moment.month - 1;
+  fields.tm_mday = moment.day;
+  fields.tm_hour = moment.hour;
+  fields.tm_min = moment.minute;
+  fields.tm_sec = moment.second;
   fields.tm_isdst = -1;
   fields.tm_wday = -1;  // stays so when mktime() fails; its result -1 is also a moment of 1969
   const std::time_t seconds = std::mktime(&fields);
   if (fields.tm_wday >= 0) {
     time = std::int64_t{seconds};
   } else {  // beyond this machine's time_t
-    SetCalendarFields(time, moment);
+    using namespace boost::posix_time;
+    SetCalendarFields(time, ptime(boost::gregorian::date(moment.year, moment.month, moment.day),
+                                  time_duration(moment.hour, moment.minute, moment.second)));
   }
+}
+
+/// Later than 2038-01-19 03:14:07.
+bool IsTooLate(const KnxWire::DateTime& moment) noexcept {
+  constexpr auto kFields = [](const KnxWire::DateTime& m) {
+    return std::make_tuple(m.year, m.month, m.day, m.hour, m.minute, m.second);
+  };
+  return moment.year >= 2038 && kFields(moment) > kFields({2038, 1, 19, 3, 14, 7});
 }
 
 }  // namespace
@@ -93,7 +106,9 @@ template AROVALUE ToAroValue<float>(const float&, AroValueType);
 template AROVALUE ToAroValue<std::string>(const std::string&, AroValueType);
 
 AROVALUE ToAroValue(const std::string& value, AroValueType expectedType) {
-  TAL_ASSERT2_AT(utf8::is_valid(value.begin(), value.end()), kFunction, kSource, kUtf8Line);
+  if (!IsAscii(value)) {
+    TAL_ASSERT2_AT(utf8::is_valid(value.begin(), value.end()), kFunction, kSource, kUtf8Line);
+  }
   return ToAroValue<std::string>(value, expectedType);
 }
 
@@ -105,14 +120,20 @@ AROVALUE ToAroValue(const TalApp::TimeOfDay& value, AroValueType expectedType) {
   return result;
 }
 
-AROVALUE ToAroValue(const boost::posix_time::ptime& value, AroValueType expectedType) {
-  using namespace boost;
-  static const posix_time::ptime kLast(gregorian::date(2038, 1, 19), posix_time::time_duration(3, 14, 7));
+AROVALUE LocalValue(const KnxWire::DateTime& moment, AroValueType expectedType) {
   AROVALUE result;
-  if (value.is_special() || value > kLast) return result;
+  if (IsTooLate(moment)) return result;
   result.avt = expectedType;
-  SetLocalFields(result.time, value);
+  SetLocalFields(result.time, moment);
   return result;
+}
+
+AROVALUE ToAroValue(const boost::posix_time::ptime& value, AroValueType expectedType) {
+  if (value.is_special()) return AROVALUE();
+  // Fractions of a second count towards "later", and are dropped then.
+  static const boost::posix_time::ptime kLast(boost::gregorian::date(2038, 1, 19),
+                                              boost::posix_time::time_duration(3, 14, 7));
+  return value > kLast ? AROVALUE() : LocalValue(KnxWire::FieldsOf(value), expectedType);
 }
 
 }  // namespace Tal

@@ -9,6 +9,7 @@
 #include <array>
 #include <cmath>
 
+#include "AroTimeFields.h"
 #include "DirectRoad.h"
 #include "KnxWire.h"
 #include "MainTypes.h"
@@ -216,6 +217,15 @@ boost::optional<AROVALUE> DecodeTimeOfDay(const DecodeRequest& request) {
   return result;
 }
 
+/// Fields taken as local time; a time of day past 24 hours rolls over.
+/// @throws std::out_of_range  for a date outside the calendar.
+AROVALUE LocalTime(const KnxWire::DateTime& moment, AroValueType valueType) {
+  if (KnxWire::IsProper(moment)) return LocalValue(moment, valueType);
+  const boost::gregorian::date date(moment.year, moment.month, moment.day);
+  const boost::posix_time::time_duration clock(moment.hour, moment.minute, moment.second);
+  return ToAroValue(boost::posix_time::ptime(date, clock), valueType);
+}
+
 constexpr char kInvalidDate[] = "Received an invalid DPT 11.001 date from the KNX: ";
 
 boost::optional<AROVALUE> DecodeDate(const DecodeRequest& request) {
@@ -237,15 +247,12 @@ boost::optional<AROVALUE> DecodeDate(const DecodeRequest& request) {
                                    << unsigned{date.day};
     return boost::none;
   }
-  return ToAroValue(boost::posix_time::ptime(boost::gregorian::date(date.year, date.month, date.day)),
-                    request.valueType);
+  return LocalTime({date.year, date.month, date.day, 0, 0, 0}, request.valueType);
 }
 
 boost::optional<AROVALUE> DecodeDateTime(const DecodeRequest& request) {
   const KnxWire::DateTime moment = KnxWire::UnpackDateTime(request.groupValue.GetRawData());
-  const boost::gregorian::date date(moment.year, moment.month, moment.day);
-  const boost::posix_time::time_duration clock(moment.hour, moment.minute, moment.second);
-  return ToAroValue(boost::posix_time::ptime(date, clock), request.valueType);
+  return LocalTime(moment, request.valueType);
 }
 
 /// What is done with the values of a main type, in both directions. A null pointer: nothing in that direction.

@@ -131,7 +131,8 @@ const DptValueMap::MainMap& DptValueMap::Rows() const noexcept {
 const DptValueEntry& DptValueMap::GetEntry(const KNXDPT& dpt) const {
   const DptValueEntry* const entry = m_table ? m_table->Find(dpt) : nullptr;
   if (entry != nullptr) return *entry;
-  LogNoEntry(TAL_HERE, dpt, Rows());
+  static const CallSite site = TAL_HERE;
+  LogNoEntry(site, dpt, Rows());
   return FallbackEntry();
 }
 
@@ -207,6 +208,11 @@ bool KnxValueConverter::AreValueTypesCompatible(AroValueType valueType, AroValue
 }
 
 namespace {
+
+const GroupValue& NoOctets() {
+  static const GroupValue nothing;
+  return nothing;
+}
 
 // Records stand in functions of their own: a conversion that succeeds does not pass by.
 
@@ -306,8 +312,7 @@ bool KnxValueConverter::FromKnxValue(KNXDPT& dpt, const GroupValue& groupValue, 
     const SizeCheck size = CheckSize(expected, groupValue.GetDefinedSize());
     if (size == SizeCheck::Failed) return RefuseSize(site, dpt, groupValue.GetDefinedSize(), expected);
     if (entry.GetConverter() == nullptr) return RefuseWithoutCodec(site, dpt);
-    static const GroupValue nothing;
-    const GroupValue& received = size == SizeCheck::Passed ? groupValue : nothing;
+    const GroupValue& received = size == SizeCheck::Passed ? groupValue : NoOctets();
     return entry.GetConverter()->FromKnxValue(dpt, received, value) || FailDecoding(site, dpt, groupValue);
   });
 }

@@ -25,12 +25,6 @@ constexpr std::uint8_t kLastTwoDigitYear = 99;      // of a date
 constexpr std::uint8_t kWorkingDayNotValid = 0x20;  // octet 6 of a date with time
 constexpr std::uint8_t kNoDayOfWeek = 0x04;
 
-inline bool IsAscii(const std::string& text) noexcept {
-  unsigned char all = 0;
-  for (const char character : text) all = static_cast<unsigned char>(all | static_cast<unsigned char>(character));
-  return all < 0x80;
-}
-
 /// Text of 14 characters (16.001) from UTF-8: characters beyond ISO 8859-1 as "_", longer text cut.
 /// @return  false, with nothing written: the text is not UTF-8.
 inline bool WriteText(KnxStack::GroupValue& out, const std::string& utf8) {
@@ -56,6 +50,12 @@ struct DateTime {
   std::uint8_t month, day, hour, minute, second;
 };
 
+/// True for a day of the calendar and a time of day.
+inline bool IsProper(const DateTime& moment) noexcept {
+  return AROTIME::IsValidDate(moment.year, moment.month, moment.day) &&
+         AROTIME::IsValidTime(moment.hour, moment.minute, moment.second);
+}
+
 /// Date with time (19.001): year - 1900, month, day, the calendar's weekday and hour, minute, second, flags, clock
 /// quality. @param moment  a day of the calendar and a time of day.
 inline void WriteDateTime(KnxStack::GroupValue& out, const DateTime& moment) noexcept {
@@ -66,23 +66,30 @@ inline void WriteDateTime(KnxStack::GroupValue& out, const DateTime& moment) noe
                 kWorkingDayNotValid, 0);
 }
 
+/// The fields of a proper time point; fractions of a second are dropped.
+inline DateTime FieldsOf(const boost::posix_time::ptime& moment) {
+  const auto date = moment.date().year_month_day();
+  const boost::posix_time::time_duration clock = moment.time_of_day();
+  const auto octet = [](auto field) { return static_cast<std::uint8_t>(field); };
+  return {date.year,
+          octet(date.month.as_number()),
+          octet(date.day.as_number()),
+          octet(clock.hours()),
+          octet(clock.minutes()),
+          octet(clock.seconds())};
+}
+
 /// The same. not-a-date-time gives 1970-01-01 00:00:00 without a weekday.
 inline void WriteDateTime(KnxStack::GroupValue& out, const boost::posix_time::ptime& moment) {
   if (moment.is_special()) return out.SetOctets(70, 1, 1, 0, 0, 0, kWorkingDayNotValid | kNoDayOfWeek, 0);
-  const boost::gregorian::date date = moment.date();
-  const boost::posix_time::time_duration clock = moment.time_of_day();
-  const auto octet = [](auto field) { return static_cast<std::uint8_t>(field); };
-  WriteDateTime(out, DateTime{date.year(), octet(date.month().as_number()), octet(date.day().as_number()),
-                              octet(clock.hours()), octet(clock.minutes()), octet(clock.seconds())});
+  WriteDateTime(out, FieldsOf(moment));
 }
 
 /// The same. A time of day past 24 hours rolls over.
 /// @throws std::out_of_range  for a date outside the calendar, also when it gets there by rolling over.
 inline void WriteDateTime(KnxStack::GroupValue& out, const AROTIME& time) {
-  if (AROTIME::IsValidDate(time.year, time.month, time.day) &&
-      AROTIME::IsValidTime(time.hour, time.minute, time.second)) {
-    return WriteDateTime(out, DateTime{time.year, time.month, time.day, time.hour, time.minute, time.second});
-  }
+  const DateTime moment{time.year, time.month, time.day, time.hour, time.minute, time.second};
+  if (IsProper(moment)) return WriteDateTime(out, moment);
   WriteDateTime(out, boost::posix_time::ptime_from_tm(time));
 }
 

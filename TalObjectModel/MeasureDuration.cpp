@@ -22,7 +22,7 @@ MeasureDuration::~MeasureDuration() {
     }
     const boost::timer::cpu_times elapsed = m_timer.elapsed();
     if (elapsed.wall < m_threshold->count()) return;
-    TAL_LOG_AT(Info, site) << m_label << ElapsedText(elapsed);
+    TAL_LOG_AT(Info, site) << (m_literal != nullptr ? m_literal : m_label.c_str()) << ElapsedText(elapsed);
   } catch (...) {  // without memory there is no text, and no record
   }
 }

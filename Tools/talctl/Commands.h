@@ -21,7 +21,7 @@ class EncodeCommand final : public LineCommand {
  protected:
   Conversion Convert(std::string_view dpt, std::string_view rest, ReasonLog& log) const override;
   std::string Text(const Conversion& conversion) const override;
-  void Describe(const Conversion& conversion, Json& json) const override;
+  void Describe(const Conversion& conversion, JsonLine& json) const override;
   const char* OperandName() const override { return "VALUE"; }
 
  private:
@@ -36,7 +36,7 @@ class DecodeCommand final : public LineCommand {
  protected:
   Conversion Convert(std::string_view dpt, std::string_view rest, ReasonLog& log) const override;
   std::string Text(const Conversion& conversion) const override;
-  void Describe(const Conversion& conversion, Json& json) const override;
+  void Describe(const Conversion& conversion, JsonLine& json) const override;
   const char* OperandName() const override { return "OCTETS"; }
 
  private:
@@ -52,7 +52,7 @@ class CheckCommand final : public LineCommand {
  protected:
   Conversion Convert(std::string_view dpt, std::string_view rest, ReasonLog& log) const override;
   std::string Text(const Conversion& conversion) const override;
-  void Describe(const Conversion& conversion, Json& json) const override;
+  void Describe(const Conversion& conversion, JsonLine& json) const override;
   const char* OperandName() const override { return "OCTETS"; }
 
  private:

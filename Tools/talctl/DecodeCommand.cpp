@@ -22,12 +22,12 @@ constexpr char kOctets[] =
     "input one by one; blank lines and # comments are skipped, and a refused line is answered with `error: ` and the\n"
     "reason.";
 
-void DescribeOctets(const Conversion& conversion, Json& json) {
+void DescribeOctets(const Conversion& conversion, JsonLine& json) {
   if (conversion.groupValue) {
-    json["octets"] = Hex(conversion.groupValue->GetRawData());
-    json["bits"] = conversion.groupValue->GetDefinedSize();
+    json.Add("octets", Hex(conversion.groupValue->GetRawData()));
+    json.Add("bits", Json(conversion.groupValue->GetDefinedSize()));
   } else if (!conversion.text.empty()) {
-    json["octets"] = conversion.text;  // as it was given
+    json.Add("octets", conversion.text);  // as it was given
   }
 }
 
@@ -61,11 +61,11 @@ Conversion DecodeCommand::Convert(std::string_view dpt, std::string_view rest, R
 
 std::string DecodeCommand::Text(const Conversion& conversion) const { return FormatOneLine(*conversion.value); }
 
-void DecodeCommand::Describe(const Conversion& conversion, Json& json) const {
+void DecodeCommand::Describe(const Conversion& conversion, JsonLine& json) const {
   DescribeOctets(conversion, json);
   if (!conversion.value) return;
-  json["value"] = ToJson(*conversion.value);
-  json["type"] = AROVALUE::GetNameFromValueType(conversion.value->avt);
+  json.Add("value", ToJson(*conversion.value));
+  json.Add("type", AROVALUE::GetNameFromValueType(conversion.value->avt));
 }
 
 CLI::App* CheckCommand::AddTo(CLI::App& app) {
@@ -87,10 +87,10 @@ std::string CheckCommand::Text(const Conversion& conversion) const {
   return FindDptRow(*conversion.dpt) != nullptr ? "valid" : "valid (not in the table, so not checked)";
 }
 
-void CheckCommand::Describe(const Conversion& conversion, Json& json) const {
+void CheckCommand::Describe(const Conversion& conversion, JsonLine& json) const {
   DescribeOctets(conversion, json);
-  json["valid"] = conversion.error.empty();
-  json["checked"] = conversion.dpt && FindDptRow(*conversion.dpt) != nullptr;
+  json.Add("valid", Json(conversion.error.empty()));
+  json.Add("checked", Json(conversion.dpt && FindDptRow(*conversion.dpt) != nullptr));
 }
 
 }  // namespace Talctl

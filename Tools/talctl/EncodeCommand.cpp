@@ -41,16 +41,16 @@ Conversion EncodeCommand::Convert(std::string_view dpt, std::string_view rest, R
 
 std::string EncodeCommand::Text(const Conversion& conversion) const { return Hex(conversion.groupValue->GetRawData()); }
 
-void EncodeCommand::Describe(const Conversion& conversion, Json& json) const {
+void EncodeCommand::Describe(const Conversion& conversion, JsonLine& json) const {
   if (conversion.value && conversion.value->avt != avtEmpty) {
-    json["value"] = ToJson(*conversion.value);
+    json.Add("value", ToJson(*conversion.value));
   } else if (!conversion.text.empty()) {
-    json["value"] = conversion.text;  // as it was given
+    json.Add("value", conversion.text);  // as it was given
   }
   if (!conversion.groupValue) return;
-  json["type"] = AROVALUE::GetNameFromValueType(conversion.value->avt);
-  json["octets"] = Hex(conversion.groupValue->GetRawData());
-  json["bits"] = conversion.groupValue->GetDefinedSize();
+  json.Add("type", AROVALUE::GetNameFromValueType(conversion.value->avt));
+  json.Add("octets", Hex(conversion.groupValue->GetRawData()));
+  json.Add("bits", Json(conversion.groupValue->GetDefinedSize()));
 }
 
 }  // namespace Talctl

@@ -27,12 +27,12 @@ std::string LineCommand::Answer(const Invocation& invocation, unsigned long line
   if (!invocation.options.json) {
     return (conversion.error.empty() ? Text(conversion) : "error: " + conversion.error) + '\n';
   }
-  Json json;
-  json["line"] = line;
-  if (conversion.dpt) json["dpt"] = FormatDpt(*conversion.dpt);
+  JsonLine json;
+  json.Add("line", Json(line));
+  if (conversion.dpt) json.Add("dpt", FormatDpt(*conversion.dpt));
   Describe(conversion, json);
-  if (!conversion.error.empty()) json["error"] = conversion.error;
-  return Line(json);
+  if (!conversion.error.empty()) json.Add("error", conversion.error);
+  return json.Take();
 }
 
 ExitStatus LineCommand::RunOperands(const Invocation& invocation, ReasonLog& log) const {

@@ -1,6 +1,8 @@
 // Commands that answer one conversion from operands, or line by line from standard input.
 #pragma once
 
+#include <Notation/JsonLine.h>
+
 #include "Command.h"
 #include "Conversion.h"
 
@@ -17,7 +19,7 @@ class LineCommand : public Command {
   /// The answer to a conversion that is done.
   virtual std::string Text(const Conversion& conversion) const = 0;
   /// Adds what the conversion gave to its object.
-  virtual void Describe(const Conversion& conversion, Json& json) const = 0;
+  virtual void Describe(const Conversion& conversion, JsonLine& json) const = 0;
   /// What stands behind DPT: "VALUE".
   virtual const char* OperandName() const = 0;
 

@@ -17,6 +17,7 @@ constexpr NamedNumber<AroValueType> kNames[] = {
 const char* AROVALUE::GetNameFromValueType(AroValueType type) noexcept { return NameOf(kNames, type); }
 
 std::string AROVALUE::EnsureUTF8(std::string text) {
+  if (Tal::IsAscii(text)) return text;
   const boost::optional<Tal::UTF8String> repaired = Tal::TryRepairUTF8(std::move(text));
   return repaired ? repaired->GetBytes() : std::string();
 }

@@ -10,6 +10,13 @@ constexpr int kMantissaMin = -2048;
 constexpr int kMantissaMax = 2047;
 constexpr unsigned kExponentMax = 15;
 
+/// The nearest whole number, halves away from zero, of a number that fits.
+int Rounded(double number) noexcept {
+  const int whole = static_cast<int>(number);
+  const double rest = number - whole;  // exact
+  return rest >= 0.5 ? whole + 1 : rest <= -0.5 ? whole - 1 : whole;
+}
+
 }  // namespace
 
 double DecodeFloat16(std::uint16_t word) noexcept {
@@ -25,14 +32,15 @@ bool EncodeFloat16(double number, std::uint16_t& word) noexcept {
     return true;
   }
   if (!(number >= kFloat16Min && number <= kFloat16Max)) return false;
-  const double hundredths = number * 100.0;
+  double scaled = number * 100.0;  // at most 27 bits before the point: the range is checked above
   unsigned exponent = 0;
-  double mantissa = std::round(hundredths);
+  int mantissa = Rounded(scaled);
   while ((mantissa < kMantissaMin || mantissa > kMantissaMax) && exponent < kExponentMax) {
     ++exponent;
-    mantissa = std::round(hundredths / (1u << exponent));
+    scaled *= 0.5;  // exact
+    mantissa = Rounded(scaled);
   }
-  const auto bits = static_cast<unsigned>(static_cast<int>(mantissa));  // -2048..2047: the range is checked above
+  const auto bits = static_cast<unsigned>(mantissa);
   const unsigned encoded = (mantissa < 0 ? 0x8000u : 0u) | exponent << 11 | (bits & 0x07FFu);
   word = encoded == kFloat16Invalid ? kFloat16Largest : static_cast<std::uint16_t>(encoded);
   return true;

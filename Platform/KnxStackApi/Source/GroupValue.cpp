@@ -68,8 +68,9 @@ DayTime GroupValue::GetAsTimeOfDay() const {
 }
 
 std::string GroupValue::GetAsString14() const {
-  const auto* const end = m_octets.begin() + std::min(m_octets.size(), kTextOctets);
-  return std::string(m_octets.begin(), std::find(m_octets.begin(), end, 0));
+  const std::size_t room = std::min(m_octets.size(), kTextOctets);
+  return std::string(reinterpret_cast<const char*>(m_octets.data()),
+                     ::strnlen(reinterpret_cast<const char*>(m_octets.data()), room));
 }
 
 }  // namespace KnxStack

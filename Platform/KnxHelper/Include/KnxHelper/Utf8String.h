@@ -5,10 +5,18 @@
 
 #include <boost/optional.hpp>
 #include <string>
+#include <string_view>
 
 namespace Tal {
 
 class KnxStyleString;
+
+/// True when every byte is below 0x80: such text is the same in UTF-8 and in ISO 8859-1.
+inline bool IsAscii(std::string_view text) noexcept {
+  unsigned char all = 0;
+  for (const char character : text) all = static_cast<unsigned char>(all | static_cast<unsigned char>(character));
+  return all < 0x80;
+}
 
 /// Owns bytes that are valid UTF-8; made only from text that has just been checked.
 class UTF8String {
