@@ -15,6 +15,8 @@ budget=$root/Benchmarks/Budget.txt
 counts=$root/build/instructions
 rm -rf "$counts"
 mkdir -p "$counts"
+# The C library takes its plain functions, whatever this processor has beside them.
+export GLIBC_TUNABLES=glibc.cpu.hwcaps=-AVX2,-AVX2_Usable,-AVX512F,-AVX512VL,-AVX512BW,-BMI1,-BMI2,-ERMS,-FSRM,-RTM,-MOVBE,-SSE4_2,-SSSE3,-LZCNT
 LC_ALL=C TZ=UTC valgrind --tool=callgrind --callgrind-out-file="$counts/dump" "$tal_bench" --instructions \
   >"$counts/operations" 2>"$counts/log" || { cat "$counts/log" >&2; die "cannot count"; }
 # A dump names its operation and its total; the list says how often it was done.
