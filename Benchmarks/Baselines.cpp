@@ -143,7 +143,8 @@ void AddBaselines(Operations& operations) {
   operations.push_back({"cpu_timer", "", ReadClocks});
   operations.push_back({"cpu_timer_and_calendar", "", ReadClocksAndCalendar});
   const auto echo = std::make_shared<Echo>();
-  operations.push_back({"hand_over", "", [echo](std::size_t times) { echo->ThereAndBack(times); }, 64, 1, false});
+  operations.push_back(
+      {"hand_over", "", [echo](std::size_t times) { echo->ThereAndBack(times); }, 64, 1, false, false});
 }
 
 }  // namespace Bench

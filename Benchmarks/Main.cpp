@@ -95,9 +95,14 @@ void PrintTable(const Operations& operations, const Figures& figures, nlohmann::
     if (found == figures.end()) continue;
     const Figure& figure = found->second;
     auto& row = json["operations"][operation.name];
-    row = {{"ns", figure.nanoseconds}, {"spread", figure.spread}, {"allocations", figure.allocations}};
-    std::printf("%-34s %12.1f %7.0f%% %8.2f", operation.name.c_str(), figure.nanoseconds, 100 * figure.spread,
-                figure.allocations);
+    row = {{"ns", figure.nanoseconds}, {"spread", figure.spread}};
+    std::printf("%-34s %12.1f %7.0f%%", operation.name.c_str(), figure.nanoseconds, 100 * figure.spread);
+    if (operation.isProcess) {  // whose allocations are not seen from here
+      std::printf("        -");
+    } else {
+      row["allocations"] = figure.allocations;
+      std::printf(" %8.2f", figure.allocations);
+    }
     const double baseline = operation.baseline.empty() ? 0 : ValueOf(figures, operation.baseline);
     if (baseline > 0) {
       row["baseline"] = operation.baseline;
@@ -122,7 +127,8 @@ void PrintGoals(const Figures& figures, nlohmann::ordered_json& json) {
   for (const TimeGoal& goal : kTimeGoals) {
     const double value = ValueOf(figures, goal.operation);
     const double minus = *goal.minus == '\0' ? 0 : ValueOf(figures, goal.minus);
-    if (value > 0) print(goal.operation, value - minus, goal.nanoseconds, *goal.minus == '\0' ? "ns" : "ns more");
+    if (value > 0 && (*goal.minus == '\0' || minus > 0))
+      print(goal.operation, value - minus, goal.nanoseconds, *goal.minus == '\0' ? "ns" : "ns more");
   }
 }
 
@@ -157,9 +163,13 @@ int main(int argc, char** argv) {
   app.add_option("--filter", filter, "Only operations with this text in their names");
   app.add_option("--rounds", rounds, "Rounds, in alternating order; the median counts")->check(CLI::Range(1, 1000));
   app.add_option("--seconds", seconds, "How long an operation runs in a round, at least")->check(CLI::PositiveNumber);
-  app.add_option("--json", jsonFile, "Write the figures to this file");
+  app.add_option("--json", jsonFile, "Write the figures to this file")->take_last();
   app.add_flag("--instructions", instructions, "Count under callgrind instead");
-  CLI11_PARSE(app, argc, argv);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? 0 : 2;
+  }
   ::setenv("TZ", "Europe/Berlin", 1);
 
   Operations all;
@@ -173,6 +183,10 @@ int main(int argc, char** argv) {
   Operations operations;
   std::copy_if(all.begin(), all.end(), std::back_inserter(operations),
                [&](const Operation& operation) { return operation.name.find(filter) != std::string::npos; });
+  if (operations.empty()) {
+    std::fprintf(stderr, "tal_bench: no operation has '%s' in its name\n", filter.c_str());
+    return 2;
+  }
   if (instructions) return CountInstructions(operations);
 
   for (const Operation& operation : operations) {

@@ -56,10 +56,12 @@ class Rig {
 
 void AddMessenger(Operations& operations) {
   const auto rig = std::make_shared<Rig>();
-  operations.push_back({"messenger/1", "hand_over", [rig](std::size_t times) { rig->Get(times); }, 64, 1, false});
+  operations.push_back(
+      {"messenger/1", "hand_over", [rig](std::size_t times) { rig->Get(times); }, 64, 1, false, false});
   for (const std::size_t callers : {8, 64}) {
     operations.push_back({"messenger/" + std::to_string(callers), "hand_over",
-                          [rig, callers](std::size_t times) { rig->GetFrom(callers, times); }, 64 * 64, 1, false});
+                          [rig, callers](std::size_t times) { rig->GetFrom(callers, times); }, 64 * 64, 1, false,
+                          false});
   }
 }
 

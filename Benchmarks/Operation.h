@@ -15,6 +15,7 @@ struct Operation {
   std::function<void(std::size_t times)> run;
   std::size_t batch = 64;  ///< times in a row between two looks at the clock
   std::size_t per = 1;     ///< operations that one time consists of: values of a mix, lines of a stream
+  bool isProcess = false;  ///< of another process
   bool isCounted = true;   ///< instructions tell something: no threads, no waiting, no other process
 };
 

@@ -1,5 +1,8 @@
 #include "Samples.h"
 
+#include <Tal/GroupValueAroValue.h>
+#include <Tal/KnxValueConverter.h>
+
 #include <random>
 #include <stdexcept>
 
@@ -34,7 +37,6 @@ AROVALUE Moment(AroValueType type) {
 }
 
 std::vector<Sample> MakeSamples() {
-  const AROVALUE none = Typed(avtEmpty);
   return {
       {"1.001", {0, 1, 1}, Number(avtBool, 1), Number(avtBool, 1), {{1}, 1}},
       {"5.001", {0, 5, 1}, Number(avtByte, 128), Number(avtByte, 128), {{0x80}, 8}},
@@ -60,10 +62,30 @@ std::vector<Sample> MakeSamples() {
   };
 }
 
+/// What is refused would be fast, and the figures would be of nothing.
+void RequireConversions(const Sample& sample) {
+  Tal::KnxValueConverter converter;
+  converter.Init();
+  KNXDPT dpt = sample.dpt;
+  KnxStack::GroupValue sent;
+  AROVALUE received;
+  const auto direct = Tal::AroValueToGroupValue(sample.direct, sample.Number());
+  const auto back = Tal::GroupValueToAroValue(sample.groupValue, sample.Number());
+  const bool isRight = direct && direct->GetRawData() == sample.groupValue.GetRawData() && back &&
+                       back->avt == sample.direct.avt && converter.ToKnxValue(dpt, sample.map, sent) &&
+                       sent.GetRawData() == sample.groupValue.GetRawData() &&
+                       converter.FromKnxValue(dpt, sample.groupValue, received) && received.avt != avtEmpty;
+  if (!isRight) throw std::logic_error("the sample of " + sample.name + " is not converted");
+}
+
 }  // namespace
 
 const std::vector<Sample>& Samples() {
-  static const std::vector<Sample> samples = MakeSamples();
+  static const std::vector<Sample> samples = [] {
+    std::vector<Sample> all = MakeSamples();
+    for (const Sample& sample : all) RequireConversions(sample);
+    return all;
+  }();
   return samples;
 }
 

@@ -14,11 +14,10 @@ struct Sample {
   std::string name;  ///< "9.001"
   KNXDPT dpt;
   AROVALUE direct;  ///< what the direct road encodes
-  AROVALUE map;     ///< what the map road encodes; its type is avtEmpty where that road encodes nothing
+  AROVALUE map;     ///< what the map road encodes
   KnxStack::GroupValue groupValue;
 
   unsigned long Number() const { return static_cast<unsigned long>(dpt.main) << 16 | dpt.sub; }
-  bool IsOnMap() const { return map.avt != avtEmpty; }
 };
 
 const std::vector<Sample>& Samples();

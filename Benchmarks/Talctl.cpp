@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <stdexcept>
@@ -21,18 +22,26 @@ void Shell(const std::string& command) {
 /// A file of lines, gone at the end.
 class LineFile {
  public:
-  explicit LineFile(std::initializer_list<const char*> lines) : m_path("/tmp/tal_bench." + std::to_string(::getpid())) {
-    static int number = 0;
-    m_path += '.' + std::to_string(number++);
-    std::ofstream file(m_path);
-    for (std::size_t i = 0; i < kLines; ++i) file << lines.begin()[i % lines.size()] << '\n';
+  explicit LineFile(std::vector<std::string> lines) : m_lines(std::move(lines)) {}
+  ~LineFile() {
+    if (!m_path.empty()) std::remove(m_path.c_str());
   }
-  ~LineFile() { std::remove(m_path.c_str()); }
   LineFile(const LineFile&) = delete;
   LineFile& operator=(const LineFile&) = delete;
-  const std::string& Path() const { return m_path; }
+
+  /// Written when it is asked for first.
+  const std::string& Path() {
+    if (!m_path.empty()) return m_path;
+    static int number = 0;
+    const std::string name = "tal_bench." + std::to_string(::getpid()) + '.' + std::to_string(number++);
+    m_path = std::filesystem::temp_directory_path() / name;
+    std::ofstream file(m_path);
+    for (std::size_t i = 0; i < kLines; ++i) file << m_lines[i % m_lines.size()] << '\n';
+    return m_path;
+  }
 
  private:
+  const std::vector<std::string> m_lines;
   std::string m_path;
 };
 
@@ -40,17 +49,17 @@ class LineFile {
 
 void AddTalctl(Operations& operations) {
   const auto values = std::make_shared<LineFile>(
-      std::initializer_list<const char*>{"9.001 21.5", "5.001 128", "1.001 on", "13.001 -65536", "12.001 305419896"});
+      std::vector<std::string>{"9.001 21.5", "5.001 128", "1.001 on", "13.001 -65536", "12.001 305419896"});
   const auto octets = std::make_shared<LineFile>(
-      std::initializer_list<const char*>{"9.001 0C33", "5.001 80", "1.001 01", "13.001 FFFF0000", "12.001 12345678"});
+      std::vector<std::string>{"9.001 0C33", "5.001 80", "1.001 01", "13.001 FFFF0000", "12.001 12345678"});
   const auto add = [&](const std::string& name, const std::shared_ptr<LineFile>& lines, const std::string& arguments) {
     operations.push_back({"talctl_line/" + name, "",
                           [lines, arguments](std::size_t times) {
                             for (; times > 0; --times) {
-                              Shell("cat " + lines->Path() + " | " TAL_BENCH_TALCTL " " + arguments + " >/dev/null");
+                              Shell("cat '" + lines->Path() + "' | " TAL_BENCH_TALCTL " " + arguments + " >/dev/null");
                             }
                           },
-                          1, kLines, false});
+                          1, kLines, true, false});
   };
   add("encode", values, "encode");
   add("encode_map", values, "encode --road map");
@@ -62,7 +71,7 @@ void AddTalctl(Operations& operations) {
                           [command](std::size_t times) {
                             for (; times > 0; --times) Shell("exec " + command + " >/dev/null");
                           },
-                          1, 1, false});
+                          1, 1, true, false});
   };
   start("start/empty", "", TAL_BENCH_EMPTY);
   start("start/talctl", "start/empty", TAL_BENCH_TALCTL " --version");

@@ -34,7 +34,10 @@ class Schedule {
  public:
   explicit Schedule(Fuzz::Input input) : m_input(input) {}
 
+  void AnswerWellFromNowOn() { m_isOver = true; }
+
   ScriptedClient::Step operator()(const std::string&) {
+    if (m_isOver) return {"last", [](Handler& handler) { Answer(handler, "last", 0); }};
     const std::uint8_t plan = m_input.Octet();
     std::string id;
     if ((plan & 0x07) == 1 && !m_ids.empty()) {
@@ -61,6 +64,7 @@ class Schedule {
  private:
   Fuzz::Input m_input;
   std::vector<std::string> m_ids;
+  bool m_isOver = false;
 };
 
 void Check(const Tal::Docket& docket, bool isWanted) {
@@ -100,6 +104,15 @@ void Call(Tal::DscAsyncRequestMessenger& messenger, std::string_view operations)
   }
 }
 
+/// Whatever was before: who asks for something and gets an answer in time, gets it.
+void CheckOneMore(ScriptedClient& client, Tal::DscAsyncRequestMessenger& messenger, Schedule& schedule) {
+  client.Drain();
+  schedule.AnswerWellFromNowOn();
+  t_given.clear();
+  const Tal::Docket docket = messenger.Request("text", boost::posix_time::minutes(5));
+  FUZZ_CHECK(docket.IsAnswered() && docket.IsReplyValid() && docket.ReadReply() == "last", docket.ReadReply());
+}
+
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -110,13 +123,15 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   for (std::string& caller : operations) {
     for (int count = input.Octet() % 6; count > 0; --count) caller += static_cast<char>(input.Octet());
   }
-  ScriptedClient client{Schedule(input)};
+  Schedule schedule(input);
+  ScriptedClient client([&schedule](const std::string& call) { return schedule(call); });
   Tal::RemoteRequestMessengerDeviceStack adapter(client);
   Tal::DscAsyncRequestMessenger messenger(adapter, microseconds(400), retries);
   messenger.SetAsResponseHandler();
   std::vector<std::thread> callers;
   for (const std::string& caller : operations) callers.emplace_back([&] { Call(messenger, caller); });
   for (std::thread& caller : callers) caller.join();
+  CheckOneMore(client, messenger, schedule);
   messenger.UnsetAsResponseHandler();
   client.Drain();
   return 0;

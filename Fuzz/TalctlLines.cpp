@@ -1,5 +1,5 @@
-// Any lines on the standard input of talctl's encode, decode and check: one answer a line, and what decode says is
-// taken back by encode.
+// Any lines on the standard input of talctl's encode, decode and check: one answer a line, the same in text and in
+// JSON, which is what a JSON document would write.
 #include <memory>
 #include <sstream>
 #include <vector>
@@ -71,7 +71,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   Fuzz::Input input(data, size);
   const std::uint8_t choice = input.Octet();
   const std::string lines(input.Rest());
-  const Tool& tool = *Tools()[(choice & 0x7F) % Tools().size()];
+  const std::size_t which = (choice & 0x7F) % Tools().size();
+  const bool isEncode = which < 2;
+  const Tool& tool = *Tools()[which];
   const auto text = LinesOf(tool.Answer(lines, false));
   FUZZ_CHECK(text.size() == CountLines(lines), lines);
   for (const std::string& line : text) FUZZ_CHECK(Fuzz::IsOneLine(line) && AROVALUE::EnsureUTF8(line) == line, line);
@@ -79,8 +81,13 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto answers = LinesOf(tool.Answer(lines, true));
   FUZZ_CHECK(answers.size() == text.size(), lines);
   for (std::size_t i = 0; i < answers.size(); ++i) {
-    const auto json = Json::parse(answers[i]);  // throws when it is none
-    FUZZ_CHECK(json.contains("error") == (text[i].rfind("error: ", 0) == 0 && json.contains("error")), answers[i]);
+    const auto json = Json::parse(answers[i]);                              // throws when it is none
+    const bool isText = json.contains("type") && json["type"] == "String";  // which may say "error: " itself
+    const bool isRefused = json.contains("error");
+    FUZZ_CHECK(isText || isRefused == (text[i].rfind("error: ", 0) == 0), answers[i]);
+    FUZZ_CHECK(!isRefused || text[i] == "error: " + json["error"].get<std::string>(), answers[i]);
+    if (isEncode && !isRefused) FUZZ_CHECK(json.at("octets") == text[i], answers[i]);
+    FUZZ_CHECK(json.dump() == answers[i], answers[i]);
   }
   return 0;
 }

@@ -1,7 +1,6 @@
 #include <KnxStackApi/GroupValueException.h>
 #include <Tal/GroupValueAroValue.h>
 #include <Tal/KnxValueConverter.h>
-#include <Tal/MeasureDuration.h>
 #include <Tal/TimeOfDay.h>
 #include <TalLog/Assertion.h>
 #include <TalLog/LogRecord.h>
@@ -14,6 +13,7 @@
 #include "KnxWire.h"
 #include "MainTypes.h"
 #include "TimeRefusals.h"
+#include "TimedScope.h"
 
 namespace Tal {
 namespace {
@@ -363,7 +363,7 @@ boost::optional<GroupValue> AroValueToGroupValue(const AROVALUE& value, unsigned
 }
 
 boost::optional<AROVALUE> GroupValueToAroValue(const GroupValue& value, unsigned long dpt) {
-  const MeasureDuration duration("Decoding a KNX value took ", boost::chrono::milliseconds(100));
+  const TimedScope duration("Decoding a KNX value took ", boost::chrono::milliseconds(100));
   static const CallSite site = TAL_HERE;
   const DirectEntry& entry = EntryOf(dpt >> 16);
   if (entry.valueType == avtEmpty) {

@@ -1,6 +1,7 @@
 #include <Tal/KnxValueConverter.h>
 #include <TalLog/LogRecord.h>
 
+#include <algorithm>
 #include <array>
 #include <new>
 #include <utility>
@@ -42,17 +43,40 @@ void LogNoEntry(const CallSite& site, const KNXDPT& dpt, const DptValueMap::Main
 }
 
 /// The rows of one main type, as they are looked up.
-struct MainIndex {
-  const DptValueEntry* whole = nullptr;  ///< sub number 0
-  std::vector<std::pair<std::uint16_t, const DptValueEntry*>> subs;
+class MainIndex {
+ public:
+  void Add(const DptValueEntry& entry) {
+    const std::uint16_t sub = entry.GetDpt().sub;
+    if (sub == 0) {
+      m_whole = &entry;
+    } else {
+      m_subs.insert(Place(sub), {sub, &entry});
+    }
+  }
 
   /// The row of exactly @p sub, else that of the whole main type, if there is one.
   const DptValueEntry* Find(std::uint16_t sub) const noexcept {
-    for (const auto& [number, entry] : subs) {
-      if (number == sub) return entry;
+    constexpr std::size_t kFew = 32;  // so many are faster looked through than searched by halves
+    if (m_subs.size() <= kFew) {
+      for (const auto& [number, entry] : m_subs) {
+        if (number == sub) return entry;
+      }
+      return m_whole;
     }
-    return whole;
+    const auto place = Place(sub);
+    return place != m_subs.end() && place->first == sub ? place->second : m_whole;
   }
+
+ private:
+  using Sub = std::pair<std::uint16_t, const DptValueEntry*>;
+
+  std::vector<Sub>::const_iterator Place(std::uint16_t sub) const noexcept {
+    return std::lower_bound(m_subs.begin(), m_subs.end(), sub,
+                            [](const Sub& row, std::uint16_t number) { return row.first < number; });
+  }
+
+  const DptValueEntry* m_whole = nullptr;  ///< sub number 0
+  std::vector<Sub> m_subs;                 ///< the others, ascending
 };
 
 }  // namespace
@@ -61,6 +85,7 @@ struct DptValueMap::Table {
   static constexpr std::size_t kIndexed = 256;  ///< main types from here on are looked up in the rows
 
   Table() = default;
+  Table& operator=(const Table&) = delete;
   Table(const Table& other) : rows(other.rows) {
     for (auto& main : rows) {
       for (auto& sub : main.second) AddToIndex(sub.second);
@@ -68,13 +93,7 @@ struct DptValueMap::Table {
   }
 
   void AddToIndex(const DptValueEntry& entry) {
-    const KNXDPT& dpt = entry.GetDpt();
-    if (dpt.main >= kIndexed) return;
-    if (dpt.sub == 0) {
-      index[dpt.main].whole = &entry;
-    } else {
-      index[dpt.main].subs.emplace_back(dpt.sub, &entry);
-    }
+    if (entry.GetDpt().main < kIndexed) index[entry.GetDpt().main].Add(entry);
   }
 
   const DptValueEntry* Find(const KNXDPT& dpt) const noexcept {

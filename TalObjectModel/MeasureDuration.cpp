@@ -1,6 +1,8 @@
 #include <Tal/MeasureDuration.h>
 #include <TalLog/LogRecord.h>
 
+#include "TimedScope.h"
+
 namespace Tal {
 namespace {
 
@@ -11,19 +13,35 @@ std::string ElapsedText(const boost::timer::cpu_times& elapsed) {
   return text.substr(begin, text.size() - begin - (text.back() == '\n' ? 1 : 0));
 }
 
+/// Where all records of this file come from.
+constexpr CallSite kSite{"~MeasureDuration", "Tal::MeasureDuration::~MeasureDuration()", "Include/Tal/MeasureDuration",
+                         MeasureDuration::kDestructorLine};
+
+template <class Label>
+void ReportIfSlow(const Label& label, const boost::timer::cpu_times& elapsed, boost::chrono::nanoseconds threshold) {
+  if (elapsed.wall < threshold.count()) return;
+  TAL_LOG_AT(Info, kSite) << label << ElapsedText(elapsed);
+}
+
 }  // namespace
 
+// In both, want of memory means that there is no text, and no record.
+
 MeasureDuration::~MeasureDuration() {
-  const CallSite site{__func__, __PRETTY_FUNCTION__, "Include/Tal/MeasureDuration", kDestructorLine};
   try {
-    if (!m_threshold) {
-      TAL_LOG_AT(Debug, site) << m_label << ElapsedText(m_timer.elapsed());
-      return;
+    if (m_threshold) {
+      ReportIfSlow(m_label, m_timer.elapsed(), *m_threshold);
+    } else {
+      TAL_LOG_AT(Debug, kSite) << m_label << ElapsedText(m_timer.elapsed());
     }
-    const boost::timer::cpu_times elapsed = m_timer.elapsed();
-    if (elapsed.wall < m_threshold->count()) return;
-    TAL_LOG_AT(Info, site) << (m_literal != nullptr ? m_literal : m_label.c_str()) << ElapsedText(elapsed);
-  } catch (...) {  // without memory there is no text, and no record
+  } catch (...) {
+  }
+}
+
+TimedScope::~TimedScope() {
+  try {
+    ReportIfSlow(m_label, m_timer.elapsed(), m_threshold);
+  } catch (...) {
   }
 }
 

@@ -204,6 +204,23 @@ TEST_F(Converter, ComparesValueTypes) {
   EXPECT_EQ(Encoded({0, 9, 1}, Typed(avtInvalid)), "true 5E 40/16 as 9.1/0");  // no value suits every row
 }
 
+TEST_F(Converter, FindsAddedRowsHoweverManyThereAreAndWhereverTheyStand) {
+  const ScopedLogCapture quiet(Tal::LogLevel::Fatal);
+  const Tal::KnxConverter& codec = *m_converter.GetEntry({0, 5, 1}).GetConverter();
+  for (const std::uint16_t main : std::initializer_list<std::uint16_t>{99, 255, 256, 60000}) {
+    for (std::uint16_t sub = 99; sub < 100; sub = static_cast<std::uint16_t>(sub - 2)) {  // odd ones, the largest first
+      m_converter.AddDptValueMapEntry(main, sub, 8, avtByte, AroDP::astGeneric, codec);
+    }
+    const auto found = [&](std::uint16_t sub) { return m_converter.GetEntry({0, main, sub}).GetDpt(); };
+    EXPECT_EQ(found(2).main, 0) << main;  // the fallback
+    m_converter.AddDptValueMapEntry(main, 0, 8, avtWord, AroDP::astGeneric, codec);
+    for (std::uint16_t sub = 0; sub <= 101; ++sub) {
+      EXPECT_EQ(found(sub).main, main);
+      EXPECT_EQ(found(sub).sub, sub % 2 != 0 && sub < 100 ? sub : 0) << main;
+    }
+  }
+}
+
 /// Throws what it is told to.
 class ThrowingCodec final : public Tal::KnxConverter {
  public:

@@ -102,7 +102,7 @@ std::string AnswerRequest(const std::string& text, const ObjectStore& store, con
   Json request;
   try {
     request = ParseBoundedJson(text, kMaxRequestSize, kMaxRequestDepth);
-  } catch (const std::exception& error) {
+  } catch (const std::runtime_error& error) {
     Fail("", std::string("the request ") + error.what() + ": " + expected);
   }
   if (!request.is_object() || !request.contains("request") || !request["request"].is_string()) {

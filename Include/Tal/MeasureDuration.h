@@ -6,7 +6,6 @@
 #include <boost/chrono/duration.hpp>
 #include <boost/optional.hpp>
 #include <boost/timer/timer.hpp>
-#include <cstddef>
 #include <string>
 
 namespace Tal {
@@ -24,10 +23,6 @@ class MeasureDuration {
   explicit MeasureDuration(std::string label) : m_label(std::move(label)) {}
   MeasureDuration(std::string label, boost::chrono::nanoseconds threshold)
       : m_label(std::move(label)), m_threshold(threshold) {}
-  /// The same with a label that stays where it is, and takes no memory: a literal.
-  template <std::size_t Size>
-  MeasureDuration(const char (&label)[Size], boost::chrono::nanoseconds threshold)
-      : m_literal(label), m_threshold(threshold) {}
 
   static constexpr int kDestructorLine = __LINE__ + 1;  // for its log record
   TALOBJECTMODEL_EXPORT ~MeasureDuration();
@@ -38,7 +33,6 @@ class MeasureDuration {
  private:
   boost::timer::cpu_timer m_timer;
   std::string m_label;
-  const char* m_literal = nullptr;  ///< instead of the label
   boost::optional<boost::chrono::nanoseconds> m_threshold;
 };
 

@@ -71,6 +71,8 @@ TEST(GroupValue, SettersWriteTheirLayoutAndSize) {
       {[](auto& v) { v.SetAsTimeOfDay(23, 59, 58, 7); }, "F7 3B 3A/24"},
       {[](auto& v) { v.SetAsString14("a\xE9"); }, "61 E9 00 00 00 00 00 00 00 00 00 00 00 00/112"},
       {[](auto& v) { v.SetAsString14("0123456789abcdef"); }, "30 31 32 33 34 35 36 37 38 39 61 62 63 64/112"},
+      {[](auto& v) { v.SetRawData({'a', 'b'}); v.SetAsString14({reinterpret_cast<const char*>(v.GetRawData().data()), 2}); },
+       "61 62 00 00 00 00 00 00 00 00 00 00 00 00/112"},  // from its own octets
       {[](auto& v) { v.SetRawData({1, 2, 3}); }, "01 02 03/24"}, {[](auto& v) { v.SetRawData({}); }, "/0"}};
   // clang-format on
   for (const auto& [set, expected] : cases) {

@@ -43,10 +43,10 @@ void GroupValue::SetAsTimeOfDay(unsigned hour, unsigned minute, unsigned second,
 }
 
 void GroupValue::SetAsString14(std::string_view latin1) {
-  std::uint8_t* const octets = m_octets.Renew<kTextOctets>();
+  std::uint8_t octets[kTextOctets] = {};  // the text may be this object's own octets
   const std::size_t length = std::min(latin1.size(), kTextOctets);
-  std::memset(octets, 0, kTextOctets);
   if (length > 0) std::memcpy(octets, latin1.data(), length);
+  std::memcpy(m_octets.Renew<kTextOctets>(), octets, kTextOctets);
   m_definedSize = 8 * kTextOctets;
 }
 

@@ -11,12 +11,12 @@ LogRecord::LogRecord(LogLevel level, const CallSite& site) : m_level(level), m_s
   try {
     m_stream << LogEntryFormatter(site);
   } catch (...) {
-    m_stream.setstate(std::ios::eofbit);  // without its prefix it is no record: nothing is inserted, nothing written
+    m_stream.setstate(std::ios::badbit);  // without its prefix it is no record: nothing is inserted, nothing written
   }
 }
 
 LogRecord::~LogRecord() {
-  if (m_stream.eof()) return;
+  if (!m_stream) return;  // also when an insertion found no memory, which streams keep to themselves
   try {
     const log4cplus::Logger& logger = GetGlobalDefaultLogger();
     log4cplus::spi::InternalLoggingEvent event(logger.getName(), static_cast<int>(m_level), m_stream.str(),
