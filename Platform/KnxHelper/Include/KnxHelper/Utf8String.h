@@ -4,6 +4,8 @@
 #include <KnxHelper/Export.h>
 
 #include <boost/optional.hpp>
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -13,9 +15,21 @@ class KnxStyleString;
 
 /// True when every byte is below 0x80: such text is the same in UTF-8 and in ISO 8859-1.
 inline bool IsAscii(std::string_view text) noexcept {
-  unsigned char all = 0;
-  for (const char character : text) all = static_cast<unsigned char>(all | static_cast<unsigned char>(character));
-  return all < 0x80;
+  constexpr std::size_t kStep = sizeof(std::uint64_t);
+  constexpr std::uint64_t kUpperBits = 0x8080808080808080u;
+  std::uint64_t all = 0;
+  const auto add = [&](std::size_t from) {
+    std::uint64_t octets;
+    std::memcpy(&octets, text.data() + from, kStep);
+    all |= octets;
+  };
+  if (text.size() < kStep) {
+    for (const char character : text) all |= static_cast<unsigned char>(character);
+  } else {
+    for (std::size_t i = 0; i + kStep <= text.size(); i += kStep) add(i);
+    add(text.size() - kStep);  // the last ones, some of them for the second time
+  }
+  return (all & kUpperBits) == 0;
 }
 
 /// Owns bytes that are valid UTF-8; made only from text that has just been checked.
