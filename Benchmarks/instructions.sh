@@ -1,23 +1,27 @@
 #!/usr/bin/env bash
 # Instructions that each operation takes, counted by callgrind, against the budget: Benchmarks/instructions.sh [accept]
 # More than the budget and 3 % ends with status 1. `accept` writes what was counted to Benchmarks/Budget.txt, for a change
-# that is meant. Counts are of one compiler and C library; the budget is that of Debian 12 on amd64.
+# that is meant. Counts are of one compiler and C library; the budget is that of Debian 12 on amd64. Wrong use ends with
+# status 2.
 set -euo pipefail
 root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
 source "$root/Scripts/setup.sh"
-case ${1-check} in
-  check | accept) mode=${1-check} ;;
-  *) say "usage: Benchmarks/instructions.sh [accept]"; exit 2 ;;
+export LC_ALL=C
+answer_help "$@"
+case "$#${1-}" in
+  0) mode=check ;;
+  1check | 1accept) mode=$1 ;;
+  *) wrong_use "expected accept or nothing, not '$*'" ;;
 esac
+budget=$root/Benchmarks/Budget.txt
+[ "$mode" = accept ] || [ -s "$budget" ] || die "there is no budget yet: Benchmarks/instructions.sh accept"
 source "$root/Benchmarks/setup.sh"
 
-budget=$root/Benchmarks/Budget.txt
-counts=$root/build/instructions
-rm -rf "$counts"
-mkdir -p "$counts"
+counts=$(mktemp -d "$root/build/instructions.XXXXXX")
+trap 'rm -rf "$counts"' EXIT
 # The C library takes its plain functions, whatever this processor has beside them.
 export GLIBC_TUNABLES=glibc.cpu.hwcaps=-AVX2,-AVX2_Usable,-AVX512F,-AVX512VL,-AVX512BW,-BMI1,-BMI2,-ERMS,-FSRM,-RTM,-MOVBE,-SSE4_2,-SSSE3,-LZCNT
-LC_ALL=C TZ=UTC valgrind --tool=callgrind --callgrind-out-file="$counts/dump" "$tal_bench" --instructions \
+TZ=UTC valgrind --tool=callgrind --callgrind-out-file="$counts/dump" "$tal_bench" --instructions \
   >"$counts/operations" 2>"$counts/log" || { cat "$counts/log" >&2; die "cannot count"; }
 # A dump names its operation and its total; the list says how often it was done.
 awk '
@@ -25,7 +29,9 @@ awk '
   /^desc: Trigger: Client Request: / { name = $5 }
   /^totals: / { if (name != "") printf "%s %.1f\n", name, $2 / times[name]; name = "" }
 ' "$counts/operations" "$counts"/dump.* | sort >"$counts/counted"
-[ "$(wc -l <"$counts/counted")" -eq "$(wc -l <"$counts/operations")" ] || die "not every operation was counted: see $counts"
+[ -s "$counts/counted" ] || die "nothing was counted"
+[ "$(wc -l <"$counts/counted")" -eq "$(wc -l <"$counts/operations")" ] ||
+  die "not every operation was counted: $(wc -l <"$counts/counted") of $(wc -l <"$counts/operations")"
 
 if [ "$mode" = accept ]; then
   cp "$counts/counted" "$budget"
@@ -33,7 +39,7 @@ if [ "$mode" = accept ]; then
   exit
 fi
 awk -v margin=1.03 '
-  FILENAME ~ /Budget/ { budget[$1] = $2; next }
+  FILENAME == ARGV[1] { budget[$1] = $2; next }
   !($1 in budget) { print $1 ": " $2 " instructions, no budget yet"; bad = 1; next }
   { seen[$1] = 1; count++ }
   $2 > budget[$1] * margin + 1 { printf "%s: %s instructions, the budget is %s\n", $1, $2, budget[$1]; bad = 1 }

@@ -9,18 +9,18 @@ source "$root/Scripts/setup.sh"
 export LC_ALL=C
 interface=$root/Interface
 
-usage() { say "error: $*"; say "usage: Scripts/abi.sh check|accept [PRESET...]  (presets: dev, armhf)"; exit 2; }
-[ $# -gt 0 ] || usage "nothing to do"
+answer_help "$@"
+[ $# -gt 0 ] || wrong_use "nothing to do"
 action=$1
 shift
-case $action in check | accept) ;; *) usage "expected check or accept, not '$action'" ;; esac
+case $action in check | accept) ;; *) wrong_use "expected check or accept, not '$action'" ;; esac
 [ $# -gt 0 ] || set -- dev
 packages=("${build_packages[@]}" "${test_packages[@]}" abigail-tools)
 for preset in "$@"; do
   case $preset in
     dev) ;;
     armhf) packages+=(g++-arm-linux-gnueabihf qemu-user) ;;
-    *) usage "no interface is kept for the preset '$preset': expected dev or armhf" ;;
+    *) wrong_use "no interface is kept for the preset '$preset': expected dev or armhf" ;;
   esac
 done
 
@@ -35,30 +35,39 @@ architecture() {
 describe() {
   abidw --suppressions "$interface/PublicTypes.ini" --exported-interfaces-only --no-corpus-path --no-comp-dir-path \
     --no-show-locs --no-parameter-names --type-id-style hash --out-file "$2" "$1" || die "abidw cannot read $1"
+  is_whole "$2" || die "abidw does not describe all of $1"
 }
-names() { nm -DC --defined-only "$1" | sed -E 's/^[0-9a-f]+ [A-Za-z] //' | sort -u; }
+names() {
+  nm -DC --defined-only "$1" | sed -E 's/^[0-9a-f]+ [A-Za-z] //' | sort -u >"$2"
+  [ -s "$2" ] || die "nm finds no names in $1"
+}
+
+is_whole() { [ "$(tail -n1 "$1")" = '</abi-corpus>' ]; }
+
+# abidiff's report, and its status: bits 4 and 8 for changes. It may end with 0 over a file that it cannot read, but says
+# so on standard error; a report with status 0 is of harmless changes.
+difference() {  # difference OLD NEW REPORT
+  local status=0
+  is_whole "$1" || return 1
+  abidiff "$1" "$2" >"$3" 2>"$3.errors" || status=$?
+  [ ! -s "$3.errors" ] || return 1
+  return "$status"
+}
 
 # A list of names is shared by all architectures; a name that only some have stands with each of them before it.
-names_of() { sed -nE "/^[a-z0-9_]+: /! p; s/^$1: //p" "$2" | sort -u; }
-merge_names() {  # merge_names ARCHITECTURE NEW FILE: FILE with the names of that architecture replaced
-  local arch=$1 new=$2 file=$3 kept other work
-  work=$(mktemp -d)
-  for kept in "$interface"/*/"$(basename "$file" .symbols).abi"; do
-    other=$(basename "$(dirname "$kept")")
-    names_of "$other" "$file" >"$work/$other"
-  done
-  cp "$new" "$work/$arch"
+names_of() {  # names_of ARCHITECTURE NAME
+  [ ! -f "$interface/$2.symbols" ] || sed -nE "/^[a-z0-9_-]+: /! p; s/^$1: //p" "$interface/$2.symbols" | sort -u
+}
+merge_names() {  # merge_names FILE...: all names of the files, each of which bears the name of its architecture
   awk '{ count[$0]++; where[$0] = where[$0] " " name() }
     function name() { n = FILENAME; sub(/.*\//, "", n); return n }
     END { for (s in count) if (count[s] == ARGC - 1) print s; else { k = split(where[s], w, " ");
-      for (i = 1; i <= k; i++) print w[i] ": " s } }' "$work"/* | sort >"$file.new"
-  mv "$file.new" "$file"
-  rm -rf "$work"
+      for (i = 1; i <= k; i++) print w[i] ": " s } }' "$@" | sort
 }
 
 # Says what differs between the kept interface and the built one; fails when anything does.
 compare() {  # compare NAME ARCHITECTURE FOLDER-WITH-NEW
-  local name=$1 arch=$2 new=$3/$1 old=$interface/$2/$1.abi status=0 verdict
+  local name=$1 arch=$2 new=$3/$1 old=$interface/$2/$1.abi status=0 are_names_same=yes verdict
   if [ ! -f "$old" ]; then
     say "$name ($arch): new, no interface is kept"
     return 1
@@ -67,14 +76,17 @@ compare() {  # compare NAME ARCHITECTURE FOLDER-WITH-NEW
     say "$name ($arch): the library is gone, INCOMPATIBLE"
     return 1
   fi
-  names_of "$arch" "$interface/$name.symbols" >"$new.kept"
-  diff "$new.kept" "$new.symbols" >"$new.names" || status=1
-  abidiff "$old" "$new.abi" >"$new.report" 2>&1 || status=$((status | $?))
-  [ $((status & 3)) -lt 2 ] && [ -s "$new.symbols" ] || { cat "$new.report" >&2; die "abidiff cannot compare $name"; }
-  [ "$status" -ne 0 ] || return 0
+  names_of "$arch" "$name" >"$new.kept"
+  diff "$new.kept" "$new.symbols" >"$new.names" || are_names_same=
+  difference "$old" "$new.abi" "$new.report" || status=$?
+  [ $((status & 3)) -eq 0 ] || {
+    [ ! -s "$new.report.errors" ] || cat "$new.report.errors" >&2
+    die "cannot read Interface/$arch/$name.abi; Scripts/abi.sh accept writes it anew"
+  }
+  [ "$status" -ne 0 ] || [ ! "$are_names_same" ] || return 0
   if grep -q '^<' "$new.names"; then
     verdict="INCOMPATIBLE: names are gone; programs that use them no longer start"
-  elif [ $((status & 8)) -ne 0 ]; then
+  elif [ $((status & 8)) -ne 0 ] || grep -qE 'size changed from|offset changed' "$new.report"; then
     verdict="INCOMPATIBLE: programs built before no longer fit"
   elif abidiff --no-added-syms "$old" "$new.abi" >/dev/null 2>&1; then
     verdict="compatible: only additions; programs built before still work"
@@ -87,44 +99,95 @@ compare() {  # compare NAME ARCHITECTURE FOLDER-WITH-NEW
   return 1
 }
 
+# Writes what differs to Interface/; first all of it beside, so that nothing is half written.
+accept() {  # accept ARCHITECTURE... with what is built in $built
+  local arch file name next kept=() gone=()
+  next=$(mktemp -d "$interface/.accept.XXXXXX")
+  trap "rm -rf ${next@Q}" EXIT
+  cd "$interface"
+  # The descriptions, as far as abidiff sees a difference.
+  for arch in "$@"; do
+    mkdir "$next/$arch"
+    for file in "$built/$arch"/*.abi; do
+      name=$arch/$(basename "$file")
+      [ -f "$name" ] && difference "$name" "$file" "${file%.abi}.report" || cp "$file" "$next/$name"
+    done
+    for file in "$arch"/*.abi; do
+      [ ! -f "$file" ] || [ -f "$built/$file" ] || gone+=("$file")
+    done
+  done
+  # The names, of the built architectures and the others.
+  for name in $({ ls ./*.symbols */*.abi; ls "$built"/*/*.abi; } 2>/dev/null | sed -E 's|.*/||; s|[.][a-z]+$||' | sort -u); do
+    mkdir "$next/names"
+    for arch in */; do
+      arch=${arch%/}
+      [ -d "$next/$arch" ] || [ ! -f "$arch/$name.abi" ] || names_of "$arch" "$name" >"$next/names/$arch"
+    done
+    for arch in "$@"; do
+      [ ! -f "$built/$arch/$name.abi" ] || cp "$built/$arch/$name.symbols" "$next/names/$arch"
+    done
+    kept=("$next/names"/*)
+    if [ -f "${kept[0]}" ]; then
+      merge_names "${kept[@]}" >"$next/$name.symbols"
+      ! cmp -s "$next/$name.symbols" "$name.symbols" || rm "$next/$name.symbols"
+    else
+      gone+=("$name.symbols")
+    fi
+    rm -r "$next/names"
+  done
+
+  mapfile -d '' -t kept < <(cd "$next" && find . -type f -printf '%P\0' | sort -z)
+  for file in "${kept[@]}"; do
+    mkdir -p "$(dirname "$file")"
+    mv "$next/$file" "$file"
+    say "  written  Interface/$file"
+  done
+  for file in "${gone[@]}"; do
+    rm "$file"
+    say "  removed  Interface/$file"
+  done
+  if [ ${#kept[@]} -eq 0 ] && [ ${#gone[@]} -eq 0 ]; then
+    say "the interface is unchanged ($*)"
+  else
+    say "accepted: Interface/ describes what is built ($*); commit it with the change"
+  fi
+}
+
 lock
 need_packages "${packages[@]}"
-changed=()
+built=$root/build/interface
+rm -rf "$built"
+architectures=()
 for preset in "$@"; do
   arch=$(architecture "$preset")
-  tree=$root/build/$preset
   build_preset "$preset" TalObjectModel
-  rm -rf "$tree/Interface"
-  mkdir -p "$tree/Interface" "$interface/$arch"
-  for library in "$tree"/lib/lib*.so; do
+  [ ! -d "$built/$arch" ] || continue
+  architectures+=("$arch")
+  mkdir -p "$built/$arch"
+  for library in "$root/build/$preset"/lib/lib*.so; do
     name=$(basename "$library" .so)
-    describe "$library" "$tree/Interface/$name.abi"
-    names "$library" >"$tree/Interface/$name.symbols"
+    describe "$library" "$built/$arch/$name.abi"
+    names "$library" "$built/$arch/$name.symbols"
   done
-  same=true
-  for name in $({ ls "$interface/$arch"; ls "$tree/Interface"; } | sed -n 's/\.abi$//p' | sort -u); do
-    compare "$name" "$arch" "$tree/Interface" || same=false
+done
+if [ "$action" = accept ]; then
+  accept "${architectures[@]}"
+  exit
+fi
+
+is_same=yes
+for arch in "${architectures[@]}"; do
+  is_arch_same=yes
+  for name in $({ ls "$interface/$arch" 2>/dev/null; ls "$built/$arch"; } | sed -n 's/\.abi$//p' | sort -u); do
+    compare "$name" "$arch" "$built/$arch" || is_arch_same=
   done
-  if $same; then
+  if [ "$is_arch_same" ]; then
     say "the interface is unchanged ($arch)"
-  elif [ "$action" = check ]; then
-    changed+=("$preset")
   else
-    rm -f "$interface/$arch"/*.abi
-    for file in "$tree"/Interface/*.abi; do
-      name=$(basename "$file" .abi)
-      cp "$file" "$interface/$arch/"
-      [ -f "$interface/$name.symbols" ] || : >"$interface/$name.symbols"
-      merge_names "$arch" "$tree/Interface/$name.symbols" "$interface/$name.symbols"
-    done
-    for file in "$interface"/*.symbols; do
-      name=$(basename "$file" .symbols)
-      compgen -G "$interface/*/$name.abi" >/dev/null || rm "$file"
-    done
-    say "accepted: Interface/ describes what is built ($arch); commit it with the change"
+    is_same=
   fi
 done
-[ ${#changed[@]} -eq 0 ] || {
-  say "When this is intended: Scripts/abi.sh accept ${changed[*]}"
+[ "$is_same" ] || {
+  say "When this is intended: Scripts/abi.sh accept $*"
   exit 1
 }

@@ -5,23 +5,27 @@ set -euo pipefail
 root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
 source "$root/Scripts/setup.sh"
 
-case ${1-} in
-  '') mode=(-i) ;;
-  --check) mode=(--dry-run --Werror) ;;
-  *) say "error: expected --check or nothing, not '$1'"; exit 2 ;;
+answer_help "$@"
+case "$#${1-}" in
+  0) mode=(-i) ;;
+  1--check) mode=(--dry-run --Werror) ;;
+  *) wrong_use "expected --check or nothing, not '$*'" ;;
 esac
-[ $# -le 1 ] || { say "error: expected --check or nothing"; exit 2; }
 
 # Versions format differently: everybody takes the one of Debian 12.
 need_packages clang-format-14 git
 cd "$root"
-list=$(git ls-files --cached --others --exclude-standard --deduplicate '*.cpp' '*.h' '*.h.in') ||
-  die "git cannot list the files of $root"
+mapfile -d '' -t list < <(git ls-files -z --cached --others --exclude-standard --deduplicate '*.cpp' '*.h' '*.h.in')
+wait $! || die "git cannot list the files of $root"
 files=()
-while IFS= read -r file; do
+for file in "${list[@]}"; do
   [ ! -f "$file" ] || files+=("$file")
-done <<<"$list"
-printf '%s\0' "${files[@]}" | xargs -0 -n 20 -P "$(nproc)" clang-format-14 "${mode[@]}" >&2 || {
+done
+[ ${#files[@]} -gt 0 ] || die "git knows of no C++ in $root"
+clang_format() { printf '%s\0' "${files[@]}" | xargs -0 -n 20 -P "$(nproc)" clang-format-14 "$@" --; }
+clang_format "${mode[@]}" >&2 || {
+  # Was it that files are not formatted, or clang-format itself that failed?
+  [ "${mode[0]}" != -i ] && clang_format >/dev/null 2>&1 || die "clang-format-14 failed"
   say "Scripts/format.sh formats these files"
   exit 1
 }

@@ -1,15 +1,17 @@
 #!/usr/bin/env bash
 # Runs the tests under valgrind's memcheck: Scripts/memcheck.sh [--short]
-# An error of memory, a leak and a test that fails end it with status 1. --short takes what is done in two minutes.
+# An error of memory, a leak, a test that fails and a program without tests end it with status 1, wrong use with 2.
+# --short takes what is done in two minutes.
 set -euo pipefail
 root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
 source "$root/Scripts/setup.sh"
 
+answer_help "$@"
 is_short=
-case ${1-} in
-  '') ;;
-  --short) is_short=yes ;;
-  *) die "there is no option '$1': expected --short or nothing" ;;
+case "$#${1-}" in
+  0) ;;
+  1--short) is_short=yes ;;
+  *) wrong_use "expected --short or nothing, not '$*'" ;;
 esac
 
 lock
@@ -38,14 +40,17 @@ END
 # Death tests run too: the process that is to die is started anew, outside valgrind, and by fork(), as valgrind does not
 # know the clone() that is used otherwise. Nothing is put in the place of a program's own operator new.
 check() {
-  local program=$1 log=$logs/$1.log status=0 start=$SECONDS
+  local program=$1 log=$logs/$1.log status=0 start=$SECONDS tests errors
+  rm -f "$log" "$log.out"
   LC_ALL=C TAL_TEST_CONVERSIONS=2000 timeout 1800 valgrind --error-exitcode=99 --leak-check=full \
     --errors-for-leak-kinds=definite,indirect,possible --show-leak-kinds=definite,indirect,possible \
     --suppressions="$logs/known.supp" --num-callers=30 --fair-sched=yes --trace-children=no \
     --soname-synonyms=somalloc=nouserintercepts --child-silent-after-fork=yes --log-file="$log" "$root/build/dev/bin/$program" --gtest_brief=1 \
     --gtest_death_test_use_fork=1 --gtest_filter="$2" >"$log.out" 2>&1 || status=$?
-  printf '%-18s %4d s, %s, %s\n' "$program" $((SECONDS - start)) \
-    "$(sed -n 's/.* \([0-9]* tests\?\) from .* ran.*/\1/p' "$log.out")" "$(sed -n 's/.*ERROR SUMMARY: //p' "$log")"
+  tests=$(sed -n 's/.* \([0-9]* tests\?\) from .* ran.*/\1/p' "$log.out")
+  errors=$(sed -n 's/.*ERROR SUMMARY: //p' "$log")
+  printf '%-18s %4d s, %s, %s\n' "$program" $((SECONDS - start)) "${tests:-no tests}" "${errors:-no word of errors}"
+  [ "$status" -ne 0 ] || [[ $tests == [1-9]* && $errors ]] || status=1
   [ "$status" -eq 0 ] || say "  status $status: see $log and $log.out"
   return "$status"
 }
@@ -64,4 +69,4 @@ else
   done
   check objectmodel_tests '-*UnderLoad:DirectRoad.*:GroupValueToAroValue.*' || failed=yes
 fi
-[ ! "$failed" ] || die "errors of memory, leaks or failed tests"
+[ ! "$failed" ] || die "errors of memory, leaks, failed tests or none"

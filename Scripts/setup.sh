@@ -4,13 +4,19 @@
 say() { printf '%s\n' "$*" >&2; }
 die() { say "error: $*"; exit 1; }
 
+# The comment at the head of the script that runs is its help.
+usage_from_head() { sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$0"; }
+answer_help() { [ "${1-}" != --help ] || { usage_from_head; exit 0; }; }
+wrong_use() { say "error: $*"; usage_from_head >&2; exit 2; }
+
 build_packages=(build-essential cmake ninja-build libboost-date-time-dev libboost-timer-dev libboost-chrono-dev
   libboost-system-dev libboost-thread-dev liblog4cplus-dev librapidxml-dev libutfcpp-dev libcli11-dev nlohmann-json3-dev)
 test_packages=(libgtest-dev libgmock-dev locales tzdata)
 
 # One set-up or build at a time: others wait for it. The lock ends with unlock, or with the process.
 lock() {
-  mkdir -p "$root/build" 2>/dev/null && exec 9>>"$root/build/.lock" || return 0  # a read-only tree that is built will do
+  # A read-only tree that is built will do.
+  mkdir -p "$root/build" 2>/dev/null && { exec 9>>"$root/build/.lock"; } 2>/dev/null || return 0
   flock -n 9 || { say "waiting for another set-up or build in $root"; flock 9; }
 }
 unlock() { exec 9>&-; }
@@ -46,17 +52,29 @@ need_packages() {
   die "cannot install the packages ${missing[*]}: ${reason:-apt-get failed} (all of it: $log)"
 }
 
-# Configures and builds a preset, or only the named targets of it; silent when there is nothing to do.
-build_preset() {
-  local preset=$1 tree=$root/build/$1 fresh=()
+# Configures a preset where that is needed: configure_preset PRESET [OPTION...], each option one that is to be ON.
+configure_preset() {
+  local preset=$1 tree=$root/build/$1 fresh=() is_done=yes option
   shift
   if [ -f "$tree/CMakeCache.txt" ] && ! grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$root" "$tree/CMakeCache.txt"; then
     fresh=(--fresh)  # the tree was copied or moved
+    is_done=
   fi
-  if [ ! -f "$tree/build.ninja" ] || [ ${#fresh[@]} -gt 0 ]; then
-    say "configuring build/$preset"
-    (cd "$root" && cmake "${fresh[@]}" --preset "$preset") >&2 || die "cannot configure the preset '$preset'"
-  fi
+  [ -f "$tree/build.ninja" ] || is_done=
+  for option in "$@"; do
+    grep -qx "$option:BOOL=ON" "$tree/CMakeCache.txt" 2>/dev/null || is_done=
+  done
+  [ ! "$is_done" ] || return 0
+  say "configuring build/$preset"
+  set -- "${@/#/-D}"
+  (cd "$root" && cmake "${fresh[@]}" --preset "$preset" "${@/%/=ON}") >&2 || die "cannot configure the preset '$preset'"
+}
+
+# Configures and builds a preset, or only the named targets of it; silent when there is nothing to do.
+build_preset() {
+  local preset=$1 tree=$root/build/$1
+  shift
+  configure_preset "$preset"
   ninja -C "$tree" -n "$@" 2>/dev/null | grep -q 'no work to do' && return
   say "building build/$preset"
   (cd "$root" && cmake --build --preset "$preset" ${1+--target "$@"}) >&2 || die "cannot build the preset '$preset'"

@@ -6,11 +6,12 @@ set -euo pipefail
 root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
 source "$root/Scripts/setup.sh"
 
+answer_help "$@"
 targets=(TalObjectModel DeviceStack read_and_switch)
 case "$#${1-}" in
   0) ;;
   1--all) targets=(all) ;;
-  *) say "error: expected --all or nothing, not '$*'"; exit 2 ;;
+  *) wrong_use "expected --all or nothing, not '$*'" ;;
 esac
 lock
 need_packages "${build_packages[@]}" clang-tidy-14
