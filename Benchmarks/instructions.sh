@@ -18,18 +18,21 @@ budget=$root/Benchmarks/Budget.txt
 source "$root/Benchmarks/setup.sh"
 
 counts=$(mktemp -d "$root/build/instructions.XXXXXX")
-trap 'rm -rf "$counts"' EXIT
+# Two runs do not disturb each other; what the last one counted stays in build/instructions.
+trap 'rm -rf "$root/build/instructions"; mv -T "$counts" "$root/build/instructions" 2>/dev/null || rm -rf "$counts"' EXIT
 # The C library takes its plain functions, whatever this processor has beside them.
 export GLIBC_TUNABLES=glibc.cpu.hwcaps=-AVX2,-AVX2_Usable,-AVX512F,-AVX512VL,-AVX512BW,-BMI1,-BMI2,-ERMS,-FSRM,-RTM,-MOVBE,-SSE4_2,-SSSE3,-LZCNT
 TZ=UTC valgrind --tool=callgrind --callgrind-out-file="$counts/dump" "$tal_bench" --instructions \
   >"$counts/operations" 2>"$counts/log" || { cat "$counts/log" >&2; die "cannot count"; }
+dumps=("$counts"/dump.*)
+[ -f "${dumps[0]}" ] || die "nothing was counted: see build/instructions/log"
 # A dump names its operation and its total; the list says how often it was done.
 awk '
   FILENAME ~ /operations$/ { times[$1] = $2; next }
   /^desc: Trigger: Client Request: / { name = $5 }
   /^totals: / { if (name != "") printf "%s %.1f\n", name, $2 / times[name]; name = "" }
-' "$counts/operations" "$counts"/dump.* | sort >"$counts/counted"
-[ -s "$counts/counted" ] || die "nothing was counted"
+' "$counts/operations" "${dumps[@]}" | sort >"$counts/counted"
+[ -s "$counts/counted" ] || die "nothing was counted: see build/instructions"
 [ "$(wc -l <"$counts/counted")" -eq "$(wc -l <"$counts/operations")" ] ||
   die "not every operation was counted: $(wc -l <"$counts/counted") of $(wc -l <"$counts/operations")"
 
