@@ -1,15 +1,15 @@
+#include <set>
+
 #include "Operation.h"
 #include "Samples.h"
 
 namespace Bench {
 
 void AddTexts(Operations& operations) {
+  std::set<std::string> seen;
   for (const Sample& sample : Samples()) {
-    if (sample.name != "1.001" && sample.name != "12.001" && sample.name != "13.001" && sample.name != "9.001" &&
-        sample.name != "16.001" && sample.name != "19.001") {
-      continue;  // the types again
-    }
     const std::string type = AROVALUE::GetNameFromValueType(sample.direct.avt);
+    if (!seen.insert(type).second) continue;
     operations.push_back({"serialize/" + type, "", [&sample](std::size_t times) {
                             std::string text;
                             for (; times > 0; --times) {
