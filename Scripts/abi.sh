@@ -31,9 +31,16 @@ architecture() {
   esac
 }
 
+# What abidw keeps of types: those of the public headers in full, all others by name alone. The label is abidw's own, for
+# types that are to become opaque; without it members of such types would be left out.
+write_type_rules() {
+  printf '%s\n' '[suppress_type]' "  label = Artificial private types suppression spec"ification \
+    '  source_location_not_regexp = ^(Include|Platform/[^/]*/Include)/' '  drop = yes' >"$1"
+}
+
 # What a library shows, without the standard library's and Boost's own types, parameter names and places.
 describe() {
-  abidw --suppressions "$interface/PublicTypes.ini" --exported-interfaces-only --no-corpus-path --no-comp-dir-path \
+  abidw --suppressions "$built/types.ini" --exported-interfaces-only --no-corpus-path --no-comp-dir-path \
     --no-show-locs --no-parameter-names --type-id-style hash --out-file "$2" "$1" || die "abidw cannot read $1"
   is_whole "$2" || die "abidw does not describe all of $1"
 }
@@ -157,6 +164,8 @@ lock
 need_packages "${packages[@]}"
 built=$root/build/interface
 rm -rf "$built"
+mkdir -p "$built"
+write_type_rules "$built/types.ini"
 architectures=()
 for preset in "$@"; do
   arch=$(architecture "$preset")
