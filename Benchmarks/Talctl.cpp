@@ -56,7 +56,8 @@ void AddTalctl(Operations& operations) {
     operations.push_back({"talctl_line/" + name, "",
                           [lines, arguments](std::size_t times) {
                             for (; times > 0; --times) {
-                              Shell("cat '" + lines->Path() + "' | " TAL_BENCH_TALCTL " " + arguments + " >/dev/null");
+                              Shell("cat '" + lines->Path() + "' | '" TAL_BENCH_TALCTL "' " + arguments +
+                                    " >/dev/null");
                             }
                           },
                           1, kLines, true, false});
@@ -73,8 +74,8 @@ void AddTalctl(Operations& operations) {
                           },
                           1, 1, true, false});
   };
-  start("start/empty", "", TAL_BENCH_EMPTY);
-  start("start/talctl", "start/empty", TAL_BENCH_TALCTL " --version");
+  start("start/empty", "", "'" TAL_BENCH_EMPTY "'");
+  start("start/talctl", "start/empty", "'" TAL_BENCH_TALCTL "' --version");
 }
 
 }  // namespace Bench

@@ -335,6 +335,13 @@ void LogCaught(const CallSite& site, const char* what, const std::exception& exc
   TAL_LOG_AT(Error, site) << "Exception caught during conversion of " << what << ": " << exception.what();
 }
 
+/// A converter with the standard rows that lives as long as the process: static objects may check.
+KnxValueConverter* MakeConverter() {
+  auto converter = std::make_unique<KnxValueConverter>();
+  converter->Init();
+  return converter.release();
+}
+
 }  // namespace
 
 bool HasDirectEncoder(unsigned long main) noexcept { return EntryOf(main).encode != nullptr; }
@@ -383,13 +390,6 @@ boost::optional<AROVALUE> GroupValueToAroValue(const GroupValue& value, unsigned
     LogCaught(site, "GroupValue", exception);
     return boost::none;
   }
-}
-
-/// A converter with the standard rows that lives as long as the process: static objects may check.
-static KnxValueConverter* MakeConverter() {
-  auto converter = std::make_unique<KnxValueConverter>();
-  converter->Init();
-  return converter.release();
 }
 
 bool CheckGroupValue(const GroupValue& value, unsigned long dpt) {

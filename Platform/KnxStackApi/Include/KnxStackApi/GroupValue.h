@@ -79,7 +79,7 @@ class GroupValue {
   KNXSTACKAPI_EXPORT void SetAsTimeOfDay(unsigned hour, unsigned minute, unsigned second, unsigned weekday);
   /// 14 octets of ISO 8859-1: @p latin1 cut at 14 characters, or filled up with zeros.
   KNXSTACKAPI_EXPORT void SetAsString14(std::string_view latin1);
-  /// Up to 14 octets as they are; their size is 8 bits each.
+  /// The low eight bits of up to 14 numbers; their size is 8 bits each.
   template <class... Octets>
   void SetOctets(Octets... octets) noexcept {
     Set(8 * sizeof...(octets), octets...);
