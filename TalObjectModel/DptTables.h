@@ -13,6 +13,8 @@
 #include <string>
 #include <type_traits>
 
+#include "DptMeanings.h"
+
 namespace Tal {
 
 /// Bounds of a codec's range: internal is the side of AROVALUE, external the side of KNX. Integers up to 2^53 are
@@ -61,7 +63,8 @@ struct DptRow {
   AroValueType valueType;
   AroDP::AroValueSubType subType;
   std::unique_ptr<KnxConverter> (*makeCodec)(const Bounds&);
-  Bounds bounds = {};
+  Bounds bounds;  ///< {}: the codec carries no range
+  Meaning meaning;
 };
 
 /// "9.001", or "9.x" for a whole main type.
@@ -78,59 +81,59 @@ constexpr double kFloatMax = std::numeric_limits<float>::max();
 // types as they are listed. 9.001 to 9.025 end at 670760.0, the others of 9 at 670760.96.
 // clang-format off
 constexpr DptRow kDptRows[] = {
-    {  1,   0,   1, avtBool,     AroDP::astGeneric,  Make<KnxConverter1Bit>},
-    {  2,   0,   2, avtBool,     AroDP::astGeneric,  Make<KnxConverter2Bit>},
-    {  3,   0,   4, avtFloat,    AroDP::astStep,     Make<KnxConverter4Bit>,                  {-100.0, 100.0, 0, 15}},
-    {  4,   0,   8, avtString,   AroDP::astAscii,    Make<KnxConverter8BitString>,            Same(0, 127)},
-    {  4,   1,   8, avtString,   AroDP::astAscii,    Make<KnxConverter8BitString>,            Same(0, 127)},
-    {  4,   2,   8, avtString,   AroDP::astLatin1,   Make<KnxConverter8BitString>,            Same(0, 255)},
-    {  5,   0,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 255)},
-    {  5,   6,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 254)},
-    {  6,   0,   8, avtInteger,  AroDP::astGeneric,  Make<KnxConverterInteger8BitSigned>,     Same(-128, 127)},
-    {  6,  20,   8, avtByte,     AroDP::astStatus,   Make<KnxConverterStatus8Bit>,            Same(0, 255)},
-    {  7,   0,  16, avtWord,     AroDP::astGeneric,  Make<KnxConverterInteger16BitUnsigned>,  Same(0, 65535)},
-    {  8,   0,  16, avtInteger,  AroDP::astGeneric,  Make<KnxConverterInteger16BitSigned>,    Same(-32768, 32767)},
-    {  9,   0,  16, avtFloat,    AroDP::astGeneric,  Make<KnxConverterFloat16BitFloat>,       Same(-671088.64, 670760.96)},
-    {  9,   1,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-273.0, 670760.0)},
-    {  9,   2,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-670760.0, 670760.0)},
-    {  9,   3,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-670760.0, 670760.0)},
-    {  9,   4,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(0.0, 670760.0)},
-    {  9,   5,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(0.0, 670760.0)},
-    {  9,   6,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(0.0, 670760.0)},
-    {  9,   7,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(0.0, 670760.0)},
-    {  9,   8,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(0.0, 670760.0)},
-    {  9,  10,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-670760.0, 670760.0)},
-    {  9,  11,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-670760.0, 670760.0)},
-    {  9,  20,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-670760.0, 670760.0)},
-    {  9,  21,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-670760.0, 670760.0)},
-    {  9,  22,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-670760.0, 670760.0)},
-    {  9,  23,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-670760.0, 670760.0)},
-    {  9,  24,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-670760.0, 670760.0)},
-    {  9,  25,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-670760.0, 670760.0)},
-    {  9,  26,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-671088.64, 670760.96)},
-    {  9,  27,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-459.6, 670760.96)},
-    {  9,  28,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(0.0, 670760.96)},
-    { 10,   0,  24, avtTime,     AroDP::astGeneric,  Make<KnxConverterTimeOfDay>},
-    { 11,   0,  24, avtDate,     AroDP::astGeneric,  Make<KnxConverterDate>},
-    { 12,   0,  32, avtDWord,    AroDP::astGeneric,  Make<KnxConverterInteger32BitUnsigned>,  Same(0, 4294967295)},
-    { 13,   0,  32, avtInteger,  AroDP::astGeneric,  Make<KnxConverterInteger32BitSigned>,    Same(-2147483648, 2147483647)},
-    { 14,   0,  32, avtFloat,    AroDP::astGeneric,  Make<KnxConverterFloat32BitFloat>,       Same(-kFloatMax, kFloatMax)},
-    { 15,   0,  32, avtDWord,    AroDP::astGeneric,  Make<KnxConverterInteger32BitUnsigned>,  Same(0, 4294967295)},
-    { 16,   0, 112, avtString,   AroDP::astAscii,    Make<KnxConverter14ByteString>,          Same(0, 127)},
-    { 16,   1, 112, avtString,   AroDP::astLatin1,   Make<KnxConverter14ByteString>,          Same(0, 255)},
-    { 17,   0,   8, avtInteger,  AroDP::astScene,    Make<KnxConverterSceneNumber>,           Same(0, 63)},
-    { 18,   0,   8, avtInteger,  AroDP::astScene,    Make<KnxConverterSceneControl>,          Same(0, 63)},
-    { 19,   0,  64, avtDateTime, AroDP::astGeneric,  Make<KnxConverterDateTime>},
-    { 20,   0,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 255)},
-    { 20, 102,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 4)},
-    { 20, 103,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 4)},
-    { 21,   0,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 255)},
-    { 23,   0,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 255)},
-    { 26,   0,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterSceneInfo>,             {-64, 64, 0, 255}},
-    { 27,   0,  32, avtDWord,    AroDP::astGeneric,  Make<KnxConverterInteger32BitUnsigned>,  Same(0, 4294967295)},
-    {236,   0,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 255)},
-    {232,   0,  24, avtDWord,    AroDP::astGeneric,  Make<KnxConverterInteger24BitUnsigned>,  Same(0, 16777215)},
-    {238,   0,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 255)},
+    {  1,   0,   1, avtBool,     AroDP::astGeneric,  Make<KnxConverter1Bit>,                  {},                            {"truth value: switch, enable, up/down",    "",     "true"}},
+    {  2,   0,   2, avtBool,     AroDP::astGeneric,  Make<KnxConverter2Bit>,                  {},                            {"truth value with priority",               "",     "3"}},
+    {  3,   0,   4, avtFloat,    AroDP::astStep,     Make<KnxConverter4Bit>,                  {-100.0, 100.0, 0, 15},        {"dimming, blinds: direction, step",        "",     "9"}},
+    {  4,   0,   8, avtString,   AroDP::astAscii,    Make<KnxConverter8BitString>,            Same(0, 127),                  {"character",                               "",     "A"}},
+    {  4,   1,   8, avtString,   AroDP::astAscii,    Make<KnxConverter8BitString>,            Same(0, 127),                  {"character, ASCII",                        "",     "A"}},
+    {  4,   2,   8, avtString,   AroDP::astLatin1,   Make<KnxConverter8BitString>,            Same(0, 255),                  {"character, ISO 8859-1",                   "",     "é"}},
+    {  5,   0,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 255),                  {"unsigned octet: percent, angle, counter", "",     "128"}},
+    {  5,   6,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 254),                  {"tariff number",                           "",     "3"}},
+    {  6,   0,   8, avtInteger,  AroDP::astGeneric,  Make<KnxConverterInteger8BitSigned>,     Same(-128, 127),               {"signed octet: percent, counter",          "",     "-5"}},
+    {  6,  20,   8, avtByte,     AroDP::astStatus,   Make<KnxConverterStatus8Bit>,            Same(0, 255),                  {"five status bits with mode",              "",     "20"}},
+    {  7,   0,  16, avtWord,     AroDP::astGeneric,  Make<KnxConverterInteger16BitUnsigned>,  Same(0, 65535),                {"pulses, period, current, length",         "",     "1000"}},
+    {  8,   0,  16, avtInteger,  AroDP::astGeneric,  Make<KnxConverterInteger16BitSigned>,    Same(-32768, 32767),           {"pulse difference, time lag, rotation",    "",     "-1000"}},
+    {  9,   0,  16, avtFloat,    AroDP::astGeneric,  Make<KnxConverterFloat16BitFloat>,       Same(-671088.64, 670760.96),   {"two-octet float",                         "",     "21.5"}},
+    {  9,   1,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-273.0, 670760.0),        {"temperature",                             "°C",   "21.5"}},
+    {  9,   2,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-670760.0, 670760.0),     {"temperature difference",                  "K",    "-2.5"}},
+    {  9,   3,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-670760.0, 670760.0),     {"temperature gradient",                    "K/h",  "1.5"}},
+    {  9,   4,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(0.0, 670760.0),           {"illuminance",                             "lx",   "500.0"}},
+    {  9,   5,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(0.0, 670760.0),           {"wind speed",                              "m/s",  "7.2"}},
+    {  9,   6,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(0.0, 670760.0),           {"pressure",                                "Pa",   "98580.48"}},
+    {  9,   7,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(0.0, 670760.0),           {"relative humidity",                       "%",    "45.5"}},
+    {  9,   8,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(0.0, 670760.0),           {"air quality, CO2 concentration",          "ppm",  "650.0"}},
+    {  9,  10,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-670760.0, 670760.0),     {"time difference",                         "s",    "-12.5"}},
+    {  9,  11,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-670760.0, 670760.0),     {"time difference",                         "ms",   "250.0"}},
+    {  9,  20,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-670760.0, 670760.0),     {"voltage",                                 "mV",   "230.0"}},
+    {  9,  21,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-670760.0, 670760.0),     {"current",                                 "mA",   "-15.5"}},
+    {  9,  22,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-670760.0, 670760.0),     {"power density",                           "W/m²", "820.0"}},
+    {  9,  23,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-670760.0, 670760.0),     {"temperature change per percent",          "K/%",  "0.25"}},
+    {  9,  24,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-670760.0, 670760.0),     {"power",                                   "kW",   "3.5"}},
+    {  9,  25,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-670760.0, 670760.0),     {"volume flow",                             "l/h",  "120.0"}},
+    {  9,  26,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-671088.64, 670760.96),   {"rain amount",                             "l/m²", "2.4"}},
+    {  9,  27,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(-459.6, 670760.96),       {"temperature",                             "°F",   "70.7"}},
+    {  9,  28,  16, avtFloat,    AroDP::astMeasured, Make<KnxConverterFloat16BitFloat>,       Same(0.0, 670760.96),          {"wind speed",                              "km/h", "26.0"}},
+    { 10,   0,  24, avtTime,     AroDP::astGeneric,  Make<KnxConverterTimeOfDay>,             {},                            {"time of day with weekday",                "",     "Mon 12:30:15"}},
+    { 11,   0,  24, avtDate,     AroDP::astGeneric,  Make<KnxConverterDate>,                  {},                            {"date",                                    "",     "2023-01-01"}},
+    { 12,   0,  32, avtDWord,    AroDP::astGeneric,  Make<KnxConverterInteger32BitUnsigned>,  Same(0, 4294967295),           {"counter pulses, period",                  "",     "100000"}},
+    { 13,   0,  32, avtInteger,  AroDP::astGeneric,  Make<KnxConverterInteger32BitSigned>,    Same(-2147483648, 2147483647), {"counter pulses, flow, energy",            "",     "-100000"}},
+    { 14,   0,  32, avtFloat,    AroDP::astGeneric,  Make<KnxConverterFloat32BitFloat>,       Same(-kFloatMax, kFloatMax),   {"four-octet float: SI quantities",         "",     "230.5"}},
+    { 15,   0,  32, avtDWord,    AroDP::astGeneric,  Make<KnxConverterInteger32BitUnsigned>,  Same(0, 4294967295),           {"access: card number and result",          "",     "1193046"}},
+    { 16,   0, 112, avtString,   AroDP::astAscii,    Make<KnxConverter14ByteString>,          Same(0, 127),                  {"text of 14 characters, ASCII",            "",     "Hello"}},
+    { 16,   1, 112, avtString,   AroDP::astLatin1,   Make<KnxConverter14ByteString>,          Same(0, 255),                  {"text of 14 characters, ISO 8859-1",       "",     "Grüße"}},
+    { 17,   0,   8, avtInteger,  AroDP::astScene,    Make<KnxConverterSceneNumber>,           Same(0, 63),                   {"scene number",                            "",     "5"}},
+    { 18,   0,   8, avtInteger,  AroDP::astScene,    Make<KnxConverterSceneControl>,          Same(0, 63),                   {"scene control",                           "",     "133"}},
+    { 19,   0,  64, avtDateTime, AroDP::astGeneric,  Make<KnxConverterDateTime>,              {},                            {"date with time",                          "",     "2023-01-01T12:30:15"}},
+    { 20,   0,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 255),                  {"choice of modes",                         "",     "1"}},
+    { 20, 102,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 4),                    {"heating mode",                            "",     "1"}},
+    { 20, 103,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 4),                    {"hot water mode",                          "",     "2"}},
+    { 21,   0,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 255),                  {"eight status bits",                       "",     "5"}},
+    { 23,   0,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 255),                  {"choice of two bits",                      "",     "2"}},
+    { 26,   0,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterSceneInfo>,             {-64, 64, 0, 255},             {"scene information",                       "",     "69"}},
+    { 27,   0,  32, avtDWord,    AroDP::astGeneric,  Make<KnxConverterInteger32BitUnsigned>,  Same(0, 4294967295),           {"sixteen switches with mask",              "",     "196609"}},
+    {236,   0,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 255),                  {"control with priority",                   "",     "18"}},
+    {232,   0,  24, avtDWord,    AroDP::astGeneric,  Make<KnxConverterInteger24BitUnsigned>,  Same(0, 16777215),             {"colour",                                  "",     "#FF8000"}},
+    {238,   0,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 255),                  {"diagnosis of a light",                    "",     "65"}},
 };
 // clang-format on
 

@@ -13,6 +13,16 @@
 
 namespace Tal {
 
+/// What a datapoint type stands for, in words for people; "" where there is nothing to say.
+struct DptMeaning {
+  std::string name;  ///< "temperature difference"
+  std::string unit;  ///< symbol of the unit, in UTF-8: "K"
+  /// The fields from the first bit on the wire to the last: "sign:1 exponent:4 mantissa:11"; several of a kind as
+  /// "character:8*14", "-" for bits that are not used. "" for what varies in size.
+  std::string layout;
+  std::string example;  ///< a value of it, as people write it: "-2.5"
+};
+
 /// A main type as the one-step conversions (GroupValueAroValue.h) know it.
 struct MainTypeDescription {
   std::uint16_t main;
@@ -20,6 +30,7 @@ struct MainTypeDescription {
   AroDP::AroValueSubType subType;
   bool isEncoded;  ///< AroValueToGroupValue() encodes it
   bool isDecoded;  ///< GroupValueToAroValue() decodes it
+  DptMeaning meaning;
 };
 
 /// A row of the standard table of the map-driven converter (KnxValueConverter.h).
@@ -33,6 +44,7 @@ struct DptDescription {
     double internalMin, internalMax, externalMin, externalMax;
   };
   boost::optional<Range> range;
+  DptMeaning meaning;
 };
 
 /// All main types of the one-step conversions, ascending.

@@ -318,21 +318,21 @@ TEST(Talctl, GoesOnAfterSignalsThatInterruptItsReadsAndPauses) {
 }
 
 TEST(TalctlDpts, DescribesBothRoads) {
-  EXPECT_EQ(RunWith("dpts|9.001|4|31").out,
-            "DPT   TYPE   SUB TYPE  BITS  DEFAULT  VALUES\n"
-            "9.x   Float  Generic   16    0        a number from -671088.64 to 670760.96 with a decimal point, or nan\n"
-            "4.x   Empty  Generic   -     -        neither encoded nor decoded\n"
-            "31.x  Byte   Generic   -     0        received only\n");
-  EXPECT_EQ(RunWith("dpts|--road|map|9.001|26|1.002").out,
-            "DPT    TYPE   SUB TYPE  BITS  CODEC                        RANGE\n"
-            "9.001  Float  Measured  16    KnxConverterFloat16BitFloat  -273 .. 670760\n"
-            "26.x   Byte   Generic   8     KnxConverterSceneInfo        -64 .. 64 as 0 .. 255\n"
-            "1.x    Bool   Generic   1     KnxConverter1Bit             -\n");
   // clang-format off
-  EXPECT_THAT(RunWith("dpts|19|--json").out,
-              HasSubstr(R"({"main":19,"type":"DateTime","subType":"Generic","encoded":true,"decoded":true,"bits":64,"default":")"));
-  EXPECT_THAT(RunWith("dpts|--road=map|5.6|--json").out, HasSubstr(
-      R"({"dpt":"5.006","type":"Byte","subType":"Generic","bits":8,"codec":"KnxConverterByte8BitUnsigned","range":[0.0,254.0]})"));
+  EXPECT_EQ(RunWith("dpts|9.001|4|31").out,
+      "DPT   TYPE   SUB TYPE  BITS  DEFAULT  MEANING               VALUES\n"
+      "9.x   Float  Generic   16    0        two-octet float       a number from -671088.64 to 670760.96 with a decimal point, or nan\n"
+      "4.x   Empty  Generic   -     -        character             neither encoded nor decoded\n"
+      "31.x  Byte   Generic   -     0        choice of three bits  received only\n");
+  EXPECT_EQ(RunWith("dpts|--road|map|9.001|26|1.002").out,
+      "DPT    TYPE   SUB TYPE  BITS  CODEC                        MEANING                               RANGE\n"
+      "9.001  Float  Measured  16    KnxConverterFloat16BitFloat  temperature (°C)                      -273 .. 670760\n"
+      "26.x   Byte   Generic   8     KnxConverterSceneInfo        scene information                     -64 .. 64 as 0 .. 255\n"
+      "1.x    Bool   Generic   1     KnxConverter1Bit             truth value: switch, enable, up/down  -\n");
+  EXPECT_THAT(RunWith("dpts|19|--json").out, HasSubstr(
+      R"({"main":19,"type":"DateTime","subType":"Generic","encoded":true,"decoded":true,"bits":64,"default":")"));
+  EXPECT_THAT(RunWith("dpts|--road=map|9.1|--json").out, HasSubstr(
+      R"("bits":16,"codec":"KnxConverterFloat16BitFloat","meaning":"temperature","unit":"°C","range":[-273.0,670760.0]})"));
   const std::string unknown = "300.000 is not known on this road; `talctl dpts --road direct` lists what is";
   Expect("dpts|", {{"300", "error: " + unknown}});
   // clang-format on

@@ -67,6 +67,8 @@ class DptsCommand final : public Command {
 
  private:
   Road m_road = Road::Direct;
+  std::optional<std::string> m_html;
+  std::optional<std::string> m_markdown;
 };
 
 /// `id NUMBER...` explains identifiers, `id --device D ...` computes them.
@@ -80,6 +82,7 @@ class IdCommand final : public Command {
   std::optional<std::string> m_co;
   std::optional<std::string> m_parameter;
   std::optional<std::string> m_appControl;
+  std::optional<std::string> m_markdown;
 };
 
 /// `demo`: the embedded day of a house through both roads and back, as a table, compared with what must come out.

@@ -8,11 +8,22 @@
 #include <Notation/ValueText.h>
 #include "Commands.h"
 #include "ReasonLog.h"
+#include "Reference.h"
 #include "RoadOption.h"
 #include "Table.h"
 
 namespace Talctl {
 namespace {
+
+/// "temperature difference (K)"
+std::string InWords(const Tal::DptMeaning& meaning) {
+  return meaning.name + (meaning.unit.empty() ? "" : " (" + meaning.unit + ")");
+}
+
+void Add(Json& json, const Tal::DptMeaning& meaning) {
+  json["meaning"] = meaning.name;
+  json["unit"] = meaning.unit.empty() ? Json() : Json(meaning.unit);
+}
 
 /// One line of the listing: the cells of the table and the JSON object.
 struct Row {  // NOLINT(bugprone-exception-escape): what it sees is in the JSON library's destructor
@@ -21,8 +32,8 @@ struct Row {  // NOLINT(bugprone-exception-escape): what it sees is in the JSON 
 };
 
 const std::vector<std::string>& Heading(Road road) {
-  static const std::vector<std::string> direct = {"DPT", "TYPE", "SUB TYPE", "BITS", "DEFAULT", "VALUES"};
-  static const std::vector<std::string> map = {"DPT", "TYPE", "SUB TYPE", "BITS", "CODEC", "RANGE"};
+  static const std::vector<std::string> direct = {"DPT", "TYPE", "SUB TYPE", "BITS", "DEFAULT", "MEANING", "VALUES"};
+  static const std::vector<std::string> map = {"DPT", "TYPE", "SUB TYPE", "BITS", "CODEC", "MEANING", "RANGE"};
   return road == Road::Direct ? direct : map;
 }
 
@@ -42,6 +53,7 @@ Row Describe(const Tal::MainTypeDescription& main) {
                subType,
                main.isEncoded ? std::to_string(bits) : "-",
                text.empty() ? "-" : text,
+               InWords(main.meaning),
                main.isEncoded   ? Expectation(dpt, Road::Direct)
                : main.isDecoded ? "received only"
                                 : "neither encoded nor decoded"};
@@ -52,6 +64,7 @@ Row Describe(const Tal::MainTypeDescription& main) {
   row.json["decoded"] = main.isDecoded;
   row.json["bits"] = main.isEncoded ? Json(bits) : Json();
   row.json["default"] = ToJson(value);
+  Add(row.json, main.meaning);
   return row;
 }
 
@@ -62,12 +75,13 @@ Row Describe(const Tal::DptDescription& entry) {
   const char* const subType = AroDP::GetNameFromValueSubType(entry.subType);
 
   Row row;
-  row.cells = {label, type, subType, std::to_string(entry.dpt.size), entry.codec, "-"};
+  row.cells = {label, type, subType, std::to_string(entry.dpt.size), entry.codec, InWords(entry.meaning), "-"};
   row.json["dpt"] = label;
   row.json["type"] = type;
   row.json["subType"] = subType;
   row.json["bits"] = entry.dpt.size;
   row.json["codec"] = entry.codec;
+  Add(row.json, entry.meaning);
   if (!entry.range) return row;
   const auto& [internalMin, internalMax, externalMin, externalMax] = *entry.range;
   row.cells.back() = FormatNumber(internalMin) + " .. " + FormatNumber(internalMax);
@@ -101,19 +115,29 @@ std::vector<Row> Select(Road road, const Dpt* dpt) {
 CLI::App* DptsCommand::AddTo(CLI::App& app) {
   CLI::App* const command = app.add_subcommand("dpts", "What the library knows of datapoint types");
   SetHelp(
-      *command, {"[DPT...]"},
+      *command, {"[DPT...]", "--html FILE", "--markdown FILE"},
       "Lists datapoint types with the type and sub type of their values and the bits of their group values. On the\n"
       "direct road by main type, with the default value and what `encode` takes; on the map road the rows of the\n"
-      "table, with codec and range. With DPT only those.");
+      "table, with codec and range. With DPT only those. As a page: everything of both roads, to look things up in.");
   AddRoadOption(*command, m_road);
+  command->add_option("--html", m_html, "Write one page with a search and pictures of the layouts (-: to the output)")
+      ->type_name("FILE");
+  command->add_option("--markdown", m_markdown, "Write the table as Markdown (-: to the output)")->type_name("FILE");
   command->footer(
-      "Examples:\n  talctl dpts\n  talctl dpts 9.001 232\n  talctl dpts --road map 9\n  talctl dpts --json");
+      "Examples:\n  talctl dpts\n  talctl dpts 9.001 232\n  talctl dpts --road map 9\n  talctl dpts --json\n"
+      "  talctl dpts --html datapoints.html");
   return command;
 }
 
 ExitStatus DptsCommand::Run(const Invocation& invocation) {
   const auto& [options, operands, streams] = invocation;
   const ReasonLog log(options.logLevel, streams.err);
+  if (m_html || m_markdown) {
+    if (!operands.empty() || (m_html && m_markdown))
+      throw WrongUse("a page holds everything: expected --html FILE or --markdown FILE alone");
+    return m_html ? WritePage(invocation, *m_html, DatapointsInHtml())
+                  : WritePage(invocation, *m_markdown, DatapointsInMarkdown());
+  }
   std::vector<Row> wanted;
   if (operands.empty()) wanted = Select(m_road, nullptr);
   ExitStatus status = kDone;

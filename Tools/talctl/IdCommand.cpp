@@ -9,6 +9,7 @@
 #include <Notation/Quoted.h>
 #include <Notation/ValueText.h>
 #include "Commands.h"
+#include "Reference.h"
 
 namespace Talctl {
 namespace {
@@ -83,7 +84,8 @@ ExitStatus PrintParameter(const Invocation& invocation, LogicalDeviceId dev, con
 CLI::App* IdCommand::AddTo(CLI::App& app) {
   CLI::App* const command = app.add_subcommand("id", "What an object-model identifier stands for");
   SetHelp(*command,
-          {"NUMBER...", "--device D --co N", "--device D --parameter TYPE:N", "--device D --app-control WHAT"},
+          {"NUMBER...", "--device D --co N", "--device D --parameter TYPE:N", "--device D --app-control WHAT",
+           "--markdown FILE"},
           "Explains identifiers, or computes them for a logical device.");
   command->add_option("--device", m_device, "Logical device, 1 or 2")->type_name("D")->check(CLI::IsMember({"1", "2"}));
   command->add_option("--co", m_co, "Communication object, 1 to 4095")->type_name("N");
@@ -94,6 +96,8 @@ CLI::App* IdCommand::AddTo(CLI::App& app) {
   command->add_option("--app-control", m_appControl, "App host control: channel, state, event, alive or app-debug")
       ->type_name("WHAT")
       ->check(CLI::IsMember(names));
+  command->add_option("--markdown", m_markdown, "Write a table of all identifiers as Markdown (-: to the output)")
+      ->type_name("FILE");
   command->footer(
       "Examples:\n  talctl id 100101 281000 1000\n  talctl id --device 1 --co 4095\n"
       "  talctl id --device 2 --parameter text:500\n  talctl id --device 1 --app-control alive --json");
@@ -102,6 +106,11 @@ CLI::App* IdCommand::AddTo(CLI::App& app) {
 
 ExitStatus IdCommand::Run(const Invocation& invocation) {
   const int computed = (m_co ? 1 : 0) + (m_parameter ? 1 : 0) + (m_appControl ? 1 : 0);
+  if (m_markdown) {
+    if (computed > 0 || m_device || !invocation.operands.empty())
+      throw WrongUse("a page holds everything: expected --markdown FILE alone");
+    return WritePage(invocation, *m_markdown, IdentifiersInMarkdown());
+  }
   if (computed == 0 && !m_device) {
     if (invocation.operands.empty()) throw WrongUse("expected NUMBER..., or --device with what to compute");
     return ExplainAll(invocation);
