@@ -11,7 +11,7 @@ wrong_use() { say "error: $*"; usage_from_head >&2; exit 2; }
 
 build_packages=(build-essential cmake ninja-build libboost-date-time-dev libboost-timer-dev libboost-chrono-dev
   libboost-system-dev libboost-thread-dev liblog4cplus-dev librapidxml-dev libutfcpp-dev libcli11-dev nlohmann-json3-dev)
-test_packages=(libgtest-dev libgmock-dev locales tzdata)
+test_packages=(libgtest-dev libgmock-dev locales pkg-config tzdata)
 
 # One set-up or build at a time: others wait for it. The lock ends with unlock, or with the process.
 lock() {
