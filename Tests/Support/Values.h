@@ -4,11 +4,16 @@
 #include <BasePlatform/AroValue.h>
 #include <KnxStackApi/BinaryData.h>
 #include <KnxStackApi/GroupValue.h>
+#include <KnxStackApi/KnxDpt.h>
+#include <gtest/gtest.h>
 
+#include <algorithm>
 #include <boost/optional/optional_io.hpp>
 #include <cstdint>
+#include <cstdio>
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace TalTest {
 
@@ -51,6 +56,39 @@ inline AROVALUE Timed(AroValueType type, const AROTIME& time) {
 
 constexpr unsigned long Dpt(unsigned long main, unsigned long sub = 1) { return main << 16 | sub; }
 
+/// A value from its serialised text, in which zeros at the end of a time may be missing. "7=8:65536" is the content of
+/// 8:65536 under type 7.
+inline AROVALUE Value(std::string text) {
+  const std::size_t equals = std::min(text.find('='), text.find(':'));
+  const bool hasType = equals != text.npos && text[equals] == '=';
+  const auto type = static_cast<AroValueType>(hasType ? std::stoi(text) : 0);
+  if (hasType) text.erase(0, equals + 1);
+  AROVALUE value;
+  for (int zeros = 0; !value.Deserialize(text); ++zeros) {
+    EXPECT_LT(zeros, 10) << "no value: " << text;
+    if (zeros == 10) break;
+    text += " 0";
+  }
+  if (hasType) value.avt = type;
+  return value;
+}
+/// "9", "9.1" or, with a size in bits, "9.1/16".
+inline KNXDPT ReadDpt(const std::string& text) {
+  KNXDPT dpt{};
+  EXPECT_GE(std::sscanf(text.c_str(), "%hu.%hu/%hhu", &dpt.main, &dpt.sub, &dpt.size), 1) << text;
+  return dpt;
+}
+
+/// Octets in hex; their size in bits may follow: "0C 1A/16".
+inline KnxStack::GroupValue Octets(const std::string& text) {
+  std::vector<std::uint8_t> octets;
+  const std::size_t slash = std::min(text.find('/'), text.size());
+  for (std::size_t at = 0; at < slash; at += 3) {
+    octets.push_back(static_cast<std::uint8_t>(std::stoul(text.substr(at, 2), nullptr, 16)));
+  }
+  const std::size_t bits = slash < text.size() ? std::stoul(text.substr(slash + 1)) : 8 * octets.size();
+  return {KnxStack::BinaryData(octets.data(), octets.size()), static_cast<unsigned>(bits)};
+}
 /// "0C 1A/16": octets and size in bits.
 inline std::string Wire(const KnxStack::GroupValue& groupValue) {
   return groupValue.ToString() + "/" + std::to_string(groupValue.GetDefinedSize());
