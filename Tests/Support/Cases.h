@@ -8,11 +8,11 @@
 
 namespace TalTest {
 
-/// A row of a table: its columns, which stand between " | ".
+/// A row of a table: its columns, which stand between " | "; empty ones at the end may be missing.
 struct Case {
   std::string place;  ///< "Codecs.txt:12: " and the row
   std::vector<std::string> columns;
-  const std::string& operator[](std::size_t i) const { return columns.at(i); }
+  std::string operator[](std::size_t i) const { return i < columns.size() ? columns[i] : ""; }
 };
 
 /// The rows below "[section]" of a file. Blanks around columns do not count, nor do lines that begin with "#"; \n, \r,
