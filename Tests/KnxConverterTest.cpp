@@ -7,7 +7,7 @@
 
 #include "Support/Cases.h"
 #include "Support/LogCapture.h"
-#include "Support/Map.h"
+#include "Support/Roads.h"
 #include "Support/Values.h"
 
 namespace TalTest {
@@ -70,40 +70,29 @@ TEST(KnxConverters, DecodeOrRefuseWithOneRecord) {
   });
 }
 
-TEST(KnxConverters, EightAndSixteenBitsAgreeWithAPlainOracleForEveryWord) {
-  const auto serialised = [](const KNXDPT& dpt, const KnxStack::BinaryData& octets) {
-    AROVALUE value;
-    EXPECT_TRUE(CodecOf(dpt).FromKnxValue(dpt, GroupValue(octets, 0), value));
-    return value;
+TEST(KnxConverters, ReadEveryOctetAndWordAsAPlainOracleDoes) {
+  const ScopedLogCapture quiet(Tal::LogLevel::Fatal);
+  AROVALUE value;
+  const auto reads = [&](const KNXDPT& dpt, const KnxStack::BinaryData& octets) {
+    value = AROVALUE();
+    return CodecOf(dpt).FromKnxValue(dpt, GroupValue(octets, 0), value);
   };
-  GroupValue groupValue;
-  ScopedLogCapture log(Tal::LogLevel::Fatal);
-  for (unsigned word = 0; word <= 0xFF; ++word) {
-    const auto octet = static_cast<std::uint8_t>(word);
-    const int number = word < 128 ? static_cast<int>(word) : static_cast<int>(word) - 256;
-    ASSERT_EQ(serialised(Row(5), {octet}), Byte(octet));
-    ASSERT_EQ(serialised(Row(6), {octet}), Integer(number));
-    ASSERT_TRUE(CodecOf(Row(6)).ToKnxValue(Row(6), Integer(number), groupValue));
-    ASSERT_EQ(groupValue.GetRawData(), KnxStack::BinaryData{octet});
-    AROVALUE value;
-    ASSERT_EQ(CodecOf(Row(6, 20)).FromKnxValue(Row(6, 20), GroupValue({octet}, 8), value),
-              word % 8 == 1 || word % 8 == 2 || word % 8 == 4);
-    ASSERT_EQ(CodecOf(Row(17)).FromKnxValue(Row(17), GroupValue({octet}, 8), value), word < 64);
-    ASSERT_EQ(CodecOf(Row(18)).FromKnxValue(Row(18, 1), GroupValue({octet}, 8), value), word / 64 % 2 == 0);
-    ASSERT_EQ(CodecOf(Row(26)).FromKnxValue(Row(26, 1), GroupValue({octet}, 8), value), word < 128);
-  }
   for (unsigned word = 0; word <= 0xFFFF; ++word) {
-    const KnxStack::BinaryData octets{static_cast<std::uint8_t>(word / 256), static_cast<std::uint8_t>(word % 256)};
+    const auto octet = static_cast<std::uint8_t>(word % 256);
+    const KnxStack::BinaryData octets{static_cast<std::uint8_t>(word / 256), octet};
     const int number = word < 32768 ? static_cast<int>(word) : static_cast<int>(word) - 65536;
-    ASSERT_EQ(serialised(Row(7), octets), Word(word));
-    ASSERT_EQ(serialised(Row(8), octets), Integer(number));
-    ASSERT_TRUE(CodecOf(Row(7)).ToKnxValue(Row(7), Word(word), groupValue));
-    ASSERT_EQ(groupValue.GetRawData(), octets);
-    ASSERT_TRUE(CodecOf(Row(8)).ToKnxValue(Row(8), Integer(number), groupValue));
-    ASSERT_EQ(groupValue.GetRawData(), octets);
-    if (word == 0x7FFF) continue;
+    ASSERT_TRUE(reads(Row(7), octets) && value == Word(word));
+    ASSERT_TRUE(reads(Row(8), octets) && value == Integer(number));
     const double mantissa = static_cast<int>(word % 2048) - (word >= 32768 ? 2048 : 0);
-    ASSERT_EQ(serialised(Row(9), octets).GetFloat(), mantissa * std::pow(2, word / 2048 % 16) / 100);
+    ASSERT_TRUE(reads(Row(9), octets));
+    ASSERT_TRUE(word == 0x7FFF || value.GetFloat() == mantissa * std::pow(2, word / 2048 % 16) / 100) << word;
+    if (word > 0xFF) continue;
+    ASSERT_TRUE(reads(Row(5), {octet}) && value == Byte(octet));
+    ASSERT_TRUE(reads(Row(6), {octet}) && value == Integer(word < 128 ? number : number - 256));
+    ASSERT_EQ(reads(Row(6, 20), {octet}), word % 8 == 1 || word % 8 == 2 || word % 8 == 4);
+    ASSERT_EQ(reads(Row(17), {octet}), word < 64);
+    ASSERT_EQ(reads(Row(18, 1), {octet}), word / 64 % 2 == 0);
+    ASSERT_EQ(reads(Row(26, 1), {octet}), word < 128);
   }
 }
 

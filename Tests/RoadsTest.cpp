@@ -1,6 +1,4 @@
 // The table of Docs/Roads.md against what the two roads do.
-#include <Tal/GroupValueAroValue.h>
-#include <Tal/KnxValueConverter.h>
 #include <Tal/KnxZelMapping.h>
 #include <gmock/gmock.h>
 
@@ -13,48 +11,24 @@
 #include <set>
 
 #include "Support/LogCapture.h"
-#include "Support/Values.h"
+#include "Support/Roads.h"
 
 namespace TalTest {
 namespace {
 
 using KnxStack::GroupValue;
 
-Tal::KnxValueConverter& Map() {
-  static Tal::KnxValueConverter converter;
-  static const bool isFilled = (converter.Init(), true);
-  EXPECT_TRUE(isFilled);
-  return converter;
-}
-
 /// What a road makes of an input: "" for nothing.
-std::string EncodedOn(bool map, const KNXDPT& dpt, const AROVALUE& value) {
-  KNXDPT knxDpt = dpt;
-  GroupValue groupValue;
-  if (!map) {
-    const auto direct = Tal::AroValueToGroupValue(value, Dpt(dpt.main, dpt.sub));
-    return direct ? Wire(*direct) : "";
-  }
-  return Map().ToKnxValue(knxDpt, value, groupValue) && groupValue.GetDefinedSize() > 0 ? Wire(groupValue) : "";
+std::string EncodedOn(Road road, const KNXDPT& dpt, const AROVALUE& value) {
+  const std::string wire = Encode(road, dpt, value);
+  return wire == "none" || wire == "/0" ? "" : wire;
 }
 
 /// Type and content: "Byte 7".
-std::string DecodedOn(bool map, const KNXDPT& dpt, const GroupValue& groupValue) {
-  KNXDPT knxDpt = dpt;
-  AROVALUE value;
-  try {
-    if (map) {
-      if (!Map().FromKnxValue(knxDpt, groupValue, value)) return "";
-    } else {
-      const auto direct = Tal::GroupValueToAroValue(groupValue, Dpt(dpt.main, dpt.sub));
-      if (!direct) return "";
-      value = *direct;
-    }
-  } catch (const std::out_of_range&) {
-    return "";
-  }
-  if (value.avt == avtInvalid || value.avt == avtEmpty) return "";
-  return std::string(AROVALUE::GetNameFromValueType(value.avt)) + ' ' + value.ToString();
+std::string DecodedOn(Road road, const KNXDPT& dpt, const GroupValue& groupValue) {
+  const auto value = Decode(road, dpt, groupValue);
+  if (!value || value->avt == avtInvalid || value->avt == avtEmpty) return "";
+  return std::string(AROVALUE::GetNameFromValueType(value->avt)) + ' ' + value->ToString();
 }
 
 /// The same content under a road's type.
@@ -89,7 +63,7 @@ Row Observe(std::uint16_t main) {
   for (const unsigned sub : {1u, 0u, 2u, 6u, 20u, 102u}) {
     const KNXDPT dpt{0, main, static_cast<std::uint16_t>(sub)};
     const auto encode = [&](const AROVALUE& direct, const AROVALUE& map) {
-      note("E", EncodedOn(false, dpt, direct), EncodedOn(true, dpt, map), encodes);
+      note("E", EncodedOn(Road::Direct, dpt, direct), EncodedOn(Road::Map, dpt, map), encodes);
     };
     for (const int number : {0, 1, 4, 5, 12, 63, 64, 128, 254, 255, 32768, 65535, 65536, -1, -300}) {
       encode(Probe(directType, number), Probe(mapType, number));
@@ -107,7 +81,7 @@ Row Observe(std::uint16_t main) {
            {GroupValue({o}, 6), GroupValue({o}, 8), GroupValue({o, 0xFF}, 16), GroupValue({1, 1, o}, 24),
             GroupValue({o, 1, 1, 2}, 32), GroupValue({123, 1, 1, hour, 30, 15, 0x20, 0}, 64),
             GroupValue({o, 0xE9, 0, 'x', 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}, 112)}) {
-        note("D", DecodedOn(false, dpt, groupValue), DecodedOn(true, dpt, groupValue), decodes);
+        note("D", DecodedOn(Road::Direct, dpt, groupValue), DecodedOn(Road::Map, dpt, groupValue), decodes);
       }
     }
   }

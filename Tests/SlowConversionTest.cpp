@@ -1,12 +1,10 @@
 // All raw values of three octets, both ways. TAL_TEST_STRIDE takes every n-th only.
-#include <Tal/GroupValueAroValue.h>
-#include <Tal/KnxValueConverter.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 
 #include "Support/LogCapture.h"
-#include "Support/Values.h"
+#include "Support/Roads.h"
 
 namespace TalTest {
 namespace {
@@ -26,24 +24,11 @@ void ForEachRawValue(Check check) {
 }
 
 /// The value of both roads; the map's first.
-std::pair<AROVALUE, boost::optional<AROVALUE>> ReadBoth(unsigned main, const GroupValue& groupValue) {
-  static Tal::KnxValueConverter converter;
-  static const bool isFilled = (converter.Init(), true);
-  EXPECT_TRUE(isFilled);
-  KNXDPT dpt{24, static_cast<std::uint16_t>(main), 1};
-  AROVALUE value;
-  EXPECT_TRUE(converter.FromKnxValue(dpt, groupValue, value));
-  try {
-    return {value, Tal::GroupValueToAroValue(groupValue, Dpt(main))};
-  } catch (const std::out_of_range&) {
-    return {value, boost::none};
-  }
+std::pair<AROVALUE, boost::optional<AROVALUE>> ReadBoth(std::uint16_t main, const GroupValue& groupValue) {
+  return {Decode(Road::Map, {24, main, 1}, groupValue).value(), Decode(Road::Direct, {24, main, 1}, groupValue)};
 }
 
-std::string Sent(unsigned main, const AROVALUE& value) {
-  const auto groupValue = Tal::AroValueToGroupValue(value, Dpt(main));
-  return groupValue ? Wire(*groupValue) : "nothing";
-}
+std::string Sent(std::uint16_t main, const AROVALUE& value) { return Encode(Road::Direct, {24, main, 1}, value); }
 
 TEST(SlowConversions, TimesOfDayAreReadWhereTheyAreValidAndWrittenBack) {
   ForEachRawValue([](std::uint8_t a, std::uint8_t b, std::uint8_t c) {
