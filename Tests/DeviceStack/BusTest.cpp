@@ -5,9 +5,14 @@
 
 #include <sstream>
 
+#include "Support/Cases.h"
+
 namespace DeviceStack {
 namespace {
 
+using TalTest::Case;
+using TalTest::ForEachCase;
+using TalTest::Is;
 using testing::ElementsAre;
 
 TEST(KnxAddress, IsReadAndWritten) {
@@ -28,11 +33,14 @@ TEST(KnxAddress, IsReadAndWritten) {
   EXPECT_EQ(group.raw, 0x0A03);
 }
 
+std::vector<Telegram> Read(const std::string& text) {
+  std::istringstream in(text);
+  return ReadTelegramLog(in, "bus.log");
+}
 /// A log read and written again.
 std::string Again(const std::string& text) {
-  std::istringstream in(text);
   std::string again;
-  for (const Telegram& telegram : ReadTelegramLog(in, "bus.log")) again += FormatTelegram(telegram) + '\n';
+  for (const Telegram& telegram : Read(text)) again += FormatTelegram(telegram) + '\n';
   return again;
 }
 
@@ -49,40 +57,14 @@ TEST(TelegramLog, IsReadAndWritten) {
 }
 
 TEST(TelegramLog, SaysWhatIsWrongInWhichLine) {
-  const std::string good = "2026-11-21T06:30:00Z 1.1.10 1/2/1 write 16 0C1A\n";
-  const std::pair<std::string, std::string> cases[] = {
-      {"now 1.1.10 1/2/1 write 16 0C1A", "'now' is not a time: expected UTC such as 2026-11-21T06:30:00.000Z"},
-      {"2026-02-29T06:30:00Z 1.1.10 1/2/1 write 16 0C1A", "'2026-02-29T06:30:00Z' is not a time"},
-      {"2026-11-21T24:30:00Z 1.1.10 1/2/1 write 16 0C1A", "'2026-11-21T24:30:00Z' is not a time"},
-      {"2026-11-21T06:30:00.0Z 1.1.10 1/2/1 write 16 0C1A", "'2026-11-21T06:30:00.0Z' is not a time"},
-      {"2026-11-21T06:30:00 1.1.10 1/2/1 write 16 0C1A", "'2026-11-21T06:30:00' is not a time"},
-      {"9999-11-21T06:30:00Z 1.1.10 1/2/1 write 16 0C1A", "'9999-11-21T06:30:00Z' is not a time"},
-      {"2026-11-21T06:29:59Z 1.1.10 1/2/1 write 16 0C1A", "the time goes back"},
-      {"2026-11-21T06:30:01Z 1.1.10/1 1/2/1 write 16 0C1A", "'1.1.10/1' is not a device address"},
-      {"2026-11-21T06:30:01Z 1.1.10 1.2.1 write 16 0C1A", "'1.2.1' is not a group address"},
-      {"2026-11-21T06:30:01Z 1.1.10 1/2/1 wrote 16 0C1A", "'wrote' is not a service: expected read, write or response"},
-      {"2026-11-21T06:30:01Z 1.1.10 1/2/1 write 2033 0C1A", "'2033' is not a size in bits: expected 0 to 2032"},
-      {"2026-11-21T06:30:01Z 1.1.10 1/2/1 write 16 0C1", "'0C1' is no octets"},
-      {"2026-11-21T06:30:01Z 1.1.10 1/2/1 write 16 0C", "16 bits do not make 1 octets"},
-      {"2026-11-21T06:30:01Z 1.1.10 1/2/1 write 0 -", "the value is missing"},
-      {"2026-11-21T06:30:01Z 1.1.10 1/2/1 read 1 00", "a read carries no value: expected 0 -"},
-      {"2026-11-21T06:30:01Z 1.1.10 1/2/1 write 16", "no octets"},
-      {"2026-11-21T06:30:01Z 1.1.10 1/2/1 write 16 0C 1A", "'1A' stands behind the octets"},
-      {std::string(5000, 'x'), "the line is longer than 4096 octets"},
-  };
-  for (const auto& [line, error] : cases) {
+  ForEachCase("DeviceStack.txt", "telegrams", [](const Case& c) {
     try {
-      Again(good + "\n" + line);
-      ADD_FAILURE() << line;
+      Again("2026-11-21T06:30:00Z 1.1.10 1/2/1 write 16 0C1A\n\n" + c[0]);
+      ADD_FAILURE();
     } catch (const TelegramLogError& caught) {
-      EXPECT_THAT(caught.what(), testing::StartsWith("bus.log:3: " + error)) << line;
+      EXPECT_THAT(caught.what(), Is("bus.log:3: " + c[1]));
     }
-  }
-}
-
-std::vector<Telegram> Read(const std::string& text) {
-  std::istringstream in(text);
-  return ReadTelegramLog(in, "log");
+  });
 }
 
 TEST(LogBus, PlaysItsLogAndRecordsWhatIsSent) {

@@ -1,10 +1,15 @@
 #include <DeviceStack/Installation.h>
 #include <gmock/gmock.h>
 
+#include "Support/Cases.h"
 #include "Support/TempFile.h"
 
 namespace DeviceStack {
 namespace {
+
+using TalTest::Case;
+using TalTest::ForEachCase;
+using TalTest::Is;
 
 std::string Object(const std::string& changes = "") {
   Notation::Json json = {{"device", 1},
@@ -47,73 +52,26 @@ std::string ManyKeys() {
   return text + '}';
 }
 
-struct Case {
-  std::string text;
-  std::string error;
-};
+/// What is said of a text that cannot be used, behind its name.
+std::string ErrorOf(const std::string& text) {
+  try {
+    ParseInstallation(text, "x.json");
+    return "none";
+  } catch (const InstallationError& error) {
+    EXPECT_THAT(error.what(), testing::StartsWith("x.json"));
+    return std::string(error.what()).substr(6);
+  }
+}
 
 TEST(Installation, SaysWhereAndWhyItCannotBeUsed) {
-  const std::string expectedKeys = ": expected device, number, name, dpt, groupAddress, flags, initial";
-  const std::string at = ": objects[0].";
-  const Case cases[] = {
-      {"",
-       ": is not JSON: parse error at line 1, column 1: syntax error while parsing value - unexpected end of input; "
-       "expected '[', '{', or a literal"},
-      {"[]", ": expected an object"},
-      {"{\"name\": \"\xFF\"}", ": is not JSON: "},
-      {std::string(17, '[') + std::string(17, ']'), ": is nested deeper than 16 levels"},
-      {std::string(100000, '['), ": is nested deeper than 16 levels"},
-      {std::string("{}\0{", 4), ": is not JSON: there is a NUL in it"},
-      {"{\"" + std::string(100000, 'y') + "\\q", ": is not JSON: parse error at line 1, column 100004: "},
-      {ManyKeys(), ": has an object with more than 64 keys"},
-      {R"({"name": "a", "name": "b"})", ": has the key 'name' twice in an object"},
-      {R"({"name": "a", "address": "1.1.1"})", ": the key 'objects' is missing"},
-      {R"({"name": "a\n", "address": "1.1.1", "objects": []})", ": name: 'a\\n' has control characters"},
-      {R"({"name": "a", "address": "16.1.1", "objects": []})",
-       ": address: '16.1.1' is not a device address: expected area.line.device from 0.0.0 to 15.15.255"},
-      {R"({"name": "a", "address": "1.1.1", "objects": {}})", ": objects: expected a list of objects"},
-      {House("7"), ": objects[0]: expected an object"},
-      {House(Object(R"({"flag": []})")), ": objects[0]: there is no key 'flag'" + expectedKeys},
-      {House(Object(R"({"dpt": null})")), ": objects[0]: the key 'dpt' is missing"},
-      {House(Object(R"({"device": 3})")), at + "device: expected a whole number from 1 to 2"},
-      {House(Object(R"({"number": 0})")), at + "number: expected a whole number from 1 to 4095"},
-      {House(Object(R"({"number": 4096})")), at + "number: expected a whole number from 1 to 4095"},
-      {House(Object(R"({"number": 1.5})")), at + "number: expected a whole number from 1 to 4095"},
-      {House(Object(R"({"name": ""})")), at + "name: the text is empty"},
-      {House(Object(R"({"name": "42"})")),
-       at + "name: '42' would be taken for an identifier: expected a name with other than digits"},
-      {House(Object(R"({"dpt": "1."})")),
-       at + "dpt: '1.' is not a datapoint type: expected main.sub up to 65535 each, such as "
-            "9.001, 9, DPST-9-1 or DPT-9"},
-      {House(Object(R"({"dpt": "100.1"})")), at + "dpt: 100.001 has no values here"},
-      {House(Object(R"({"dpt": "28.001"})")), at + "dpt: 28.001 has no values here"},
-      {House(Object(R"({"groupAddress": "0/0/0"})")),
-       at + "groupAddress: '0/0/0' is not a group address: expected main/middle/sub from 0/0/1 to 31/7/255"},
-      {House(Object(R"({"groupAddress": "1/8/1"})")),
-       at + "groupAddress: '1/8/1' is not a group address: expected main/middle/sub from 0/0/1 to 31/7/255"},
-      {House(Object(R"({"flags": "read"})")), at + "flags: expected a list of read, write, transmit, update"},
-      {House(Object(R"({"flags": ["Read"]})")),
-       at + "flags[0]: 'Read' is no flag: expected read, write, transmit or update"},
-      {House(Object(R"({"flags": ["read", "read"]})")), at + "flags[1]: 'read' is there twice"},
-      {House(Object(R"({"initial": "maybe"})")),
-       at + "initial: 'maybe' is no value of 1.001: expected true, false, on, off, 1 or 0"},
-      {House(Object(R"({"dpt": "17.001", "initial": 64})")),
-       at + "initial: '64' is no value of 17.001: expected a scene number from 0 to 63"},
-      {House(Object(R"({"dpt": "19.001", "initial": "2023-13-01T00:00:00"})")),
-       at + "initial: '2023-13-01T00:00:00' is no value of 19.001: "},
-      {House(Object(R"({"initial": []})")), at + "initial: expected a text, a number or a boolean"},
-      {House(Object() + ',' + Object(R"({"number": 2})")),
-       ": objects[1].name: 'lamp' is the name of another object already"},
-      {House(Object() + ',' + Object(R"({"name": "b"})")), ": objects[1].number: device 1 has an object 1 already"},
-  };
-  for (const Case& c : cases) {
-    try {
-      ParseInstallation(c.text, "x.json");
-      ADD_FAILURE() << c.text;
-    } catch (const InstallationError& error) {
-      EXPECT_THAT(error.what(), testing::StartsWith("x.json" + c.error)) << c.text.substr(0, 200);
-    }
-  }
+  ForEachCase("DeviceStack.txt", "installations", [](const Case& c) { EXPECT_THAT(ErrorOf(c[0]), Is(c[1])); });
+  ForEachCase("DeviceStack.txt", "objects",
+              [](const Case& c) { EXPECT_THAT(ErrorOf(House(Object(c[0]))), Is(": objects[0]" + c[1])); });
+  ForEachCase("DeviceStack.txt", "second objects", [](const Case& c) {
+    EXPECT_THAT(ErrorOf(House(Object() + ',' + Object(c[0]))), Is(": objects[1]" + c[1]));
+  });
+  EXPECT_EQ(ErrorOf(House("7")), ": objects[0]: expected an object");
+  EXPECT_EQ(ErrorOf(ManyKeys()), ": has an object with more than 64 keys");
 }
 
 TEST(Installation, IsReadFromFilesThatCanBeRead) {
