@@ -46,7 +46,7 @@ std::vector<Case> ReadCases(const std::string& file, const std::string& section)
     if (isHeader || !isInside) continue;
     Case row{file + ':' + std::to_string(number) + ": " + line, {}};
     line += ' ';
-    for (std::size_t begin = 0, end = 0; end != line.npos; begin = end + 3) {
+    for (std::size_t begin = 0, end = 0; end != line.npos; begin = end + 2) {
       end = line.find(" | ", begin);
       row.columns.push_back(Unescaped(boost::trim_copy(line.substr(begin, end - begin))));
     }
