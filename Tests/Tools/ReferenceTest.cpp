@@ -17,7 +17,7 @@ TEST(Reference, PagesOfTheDocumentationAreWhatTheTablesSay) {
     std::ifstream page(std::string(TAL_DOCS) + '/' + file);
     std::ostringstream text;
     text << page.rdbuf();
-    EXPECT_EQ(RunWith(command).out, text.str()) << file << ": run Scripts/pages.sh";
+    EXPECT_TRUE(RunWith(command).out == text.str()) << file << ": run Scripts/pages.sh";
   }
 }
 
