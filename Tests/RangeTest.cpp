@@ -31,39 +31,43 @@ std::string Shown(const Range& range) {
 
 TEST(Range, ScaleFactorIsExternalByInternalSpan) {
   ScopedLogCapture log;
-  EXPECT_EQ(IntegerRange(0, 255, 0, 100).ScaleFactor(), 100.0 / 255.0);
-  EXPECT_EQ(IntegerRange(kMin32, kMax32, kMin32, kMax32).ScaleFactor(), 1.0);
-  EXPECT_EQ(LongIntegerRange(0, 4294967295, 0, 1).ScaleFactor(), 1 / 4294967295.0);
-  EXPECT_EQ(LongIntegerRange(kMin64, kMax64, 0, 1).ScaleFactor(), 1 / 18446744073709551616.0);
-  EXPECT_EQ(LongIntegerRange(kMax64 - 10, kMax64, 0, 100).ScaleFactor(), 10.0);
-  EXPECT_EQ(LongIntegerRange(kMin64 + 10, kMin64, 0, 100).ScaleFactor(), -10.0);
-  EXPECT_EQ(FloatIntegerRange(-100, 100, 0, 15).ScaleFactor(), 15.0 / 200.0);
-  EXPECT_EQ(FloatIntegerRange().ScaleFactor(), 4294967295.0 / (670760.96 + 671088.64));
-  EXPECT_EQ(FloatRange(10, -10, 5, 0).ScaleFactor(), 0.25);  // either order of bounds
+  const std::pair<double, double> cases[] = {
+      {IntegerRange(0, 255, 0, 100).ScaleFactor(), 100.0 / 255.0},
+      {IntegerRange(kMin32, kMax32, kMin32, kMax32).ScaleFactor(), 1.0},
+      {LongIntegerRange(0, 4294967295, 0, 1).ScaleFactor(), 1 / 4294967295.0},
+      {LongIntegerRange(kMin64, kMax64, 0, 1).ScaleFactor(), 1 / 18446744073709551616.0},
+      {LongIntegerRange(kMax64 - 10, kMax64, 0, 100).ScaleFactor(), 10.0},
+      {LongIntegerRange(kMin64 + 10, kMin64, 0, 100).ScaleFactor(), -10.0},
+      {FloatIntegerRange(-100, 100, 0, 15).ScaleFactor(), 15.0 / 200.0},
+      {FloatIntegerRange().ScaleFactor(), 4294967295.0 / (670760.96 + 671088.64)},
+      {FloatRange(10, -10, 5, 0).ScaleFactor(), 0.25},  // either order of bounds
+  };
+  for (const auto& [factor, expected] : cases) EXPECT_EQ(factor, expected);
   EXPECT_THAT(log.Take(), ElementsAre());
+}
+
+template <class Range>
+void ExpectDegenerate(const Range& range, ScopedLogCapture& log, const std::string& reason) {
+  EXPECT_EQ(range.ScaleFactor(), 1.0) << reason;
+  EXPECT_THAT(log.Take(), ElementsAre("ERROR Failed to calculate the scale factor because of invalid " + reason));
 }
 
 TEST(Range, ADegenerateRangeKeepsOneAndSaysWhy) {
   ScopedLogCapture log;
-  const std::string failed = "ERROR Failed to calculate the scale factor because of invalid ";
-  const double tiny = std::numeric_limits<double>::denorm_min();
-  EXPECT_EQ(IntegerRange(5, 5, 7, 7).ScaleFactor(), 1.0);
-  EXPECT_EQ(IntegerRange(0, 9, -7, -7).ScaleFactor(), 1.0);
-  EXPECT_EQ(LongIntegerRange(0x100000005, 0x100000005, 0, 1).ScaleFactor(), 1.0);
-  EXPECT_EQ(LongIntegerRange(0, 1, 0xFFFFFFFF, 0xFFFFFFFF).ScaleFactor(), 1.0);
-  EXPECT_EQ(FloatIntegerRange(1.5, 1.5, 0, 1).ScaleFactor(), 1.0);
-  EXPECT_EQ(FloatIntegerRange(0, 1, 3, 3).ScaleFactor(), 1.0);
-  EXPECT_EQ(FloatIntegerRange(0, std::numeric_limits<double>::infinity(), 0, 1).ScaleFactor(), 1.0);
-  EXPECT_EQ(FloatRange(0.25, 0.25, 0, 1).ScaleFactor(), 1.0);
-  EXPECT_EQ(FloatRange(0, 1, 2, 2).ScaleFactor(), 1.0);
-  EXPECT_EQ(FloatRange(0, 1e10, 0, tiny).ScaleFactor(), 1.0);
-  EXPECT_THAT(log.Take(),
-              ElementsAre(failed + "internal range [5, 5].", failed + "external range [-7, -7].",
-                          failed + "internal range [5, 5].", failed + "external range [-1, -1].",
-                          failed + "double range [1.5, 1.5].", failed + "integer range [3, 3].",
-                          failed + "double range [0, inf] or because invalid integer range [0, 1].",
-                          failed + "double range [0.25, 0.25].", failed + "external range [2, 2].",
-                          failed + "double range [0, 1e+10] or because invalid external range [0, 4.94066e-324]."));
+  constexpr double kTiny = std::numeric_limits<double>::denorm_min();
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  // clang-format off
+  ExpectDegenerate(IntegerRange(5, 5, 7, 7), log, "internal range [5, 5].");
+  ExpectDegenerate(IntegerRange(0, 9, -7, -7), log, "external range [-7, -7].");
+  ExpectDegenerate(LongIntegerRange(0x100000005, 0x100000005, 0, 1), log, "internal range [5, 5].");
+  ExpectDegenerate(LongIntegerRange(0, 1, 0xFFFFFFFF, 0xFFFFFFFF), log, "external range [-1, -1].");
+  ExpectDegenerate(FloatIntegerRange(1.5, 1.5, 0, 1), log, "double range [1.5, 1.5].");
+  ExpectDegenerate(FloatIntegerRange(0, 1, 3, 3), log, "integer range [3, 3].");
+  ExpectDegenerate(FloatIntegerRange(0, kInfinity, 0, 1), log, "double range [0, inf] or because invalid integer range [0, 1].");
+  ExpectDegenerate(FloatRange(0.25, 0.25, 0, 1), log, "double range [0.25, 0.25].");
+  ExpectDegenerate(FloatRange(0, 1, 2, 2), log, "external range [2, 2].");
+  ExpectDegenerate(FloatRange(0, 1e10, 0, kTiny), log, "double range [0, 1e+10] or because invalid external range [0, 4.94066e-324].");
+  // clang-format on
 }
 
 TEST(Range, ShowsItsNameAndBounds) {
@@ -75,18 +79,12 @@ TEST(Range, ShowsItsNameAndBounds) {
 
 TEST(Range, ScalesAndRoundsHalfAwayFromZeroWithinThirtyTwoBits) {
   const IntegerRange percent(0, 255, 0, 100);
-  EXPECT_EQ(percent.ToExternal(0), 0);
-  EXPECT_EQ(percent.ToExternal(255), 100);
-  EXPECT_EQ(percent.ToExternal(128), 50);
   const IntegerRange halves(-10, 10, -5, 5);
-  EXPECT_EQ(halves.ToExternal(1), 1);
-  EXPECT_EQ(halves.ToExternal(-1), -1);
-  EXPECT_EQ(halves.ToExternal(0), 0);
-  const IntegerRange wide(0, 1, kMin32, kMax32);
-  EXPECT_EQ(wide.ToExternal(0), kMin32);
-  EXPECT_EQ(wide.ToExternal(1), kMax32);
-  EXPECT_EQ(wide.ToExternal(2), kMax32);  // held, not wrapped
-  EXPECT_EQ(wide.ToExternal(-1), kMin32);
+  const IntegerRange wide(0, 1, kMin32, kMax32);  // held, not wrapped
+  const std::tuple<const IntegerRange&, int, std::int32_t> cases[] = {
+      {percent, 0, 0}, {percent, 255, 100}, {percent, 128, 50}, {halves, 1, 1},    {halves, -1, -1},
+      {halves, 0, 0},  {wide, 0, kMin32},   {wide, 1, kMax32},  {wide, 2, kMax32}, {wide, -1, kMin32}};
+  for (const auto& [range, value, expected] : cases) EXPECT_EQ(range.ToExternal(value), expected) << range << value;
 }
 
 TEST(Range, IsCarriedByCopiesOfACodec) {

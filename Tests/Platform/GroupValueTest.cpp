@@ -85,17 +85,14 @@ TEST(GroupValue, SettersWriteTheirLayoutAndSize) {
 }
 
 TEST(GroupValue, SettersRefuseWhatTheyCannotRepresentAndLeaveTheValue) {
-  GroupValue value;
-  value.SetAsUnsigned8(7);
-  const unsigned dates[][3] = {{1, 1, 1989}, {1, 1, 2090}, {29, 2, 2023}, {31, 4, 2023},
-                               {0, 1, 2023}, {1, 0, 2023}, {1, 13, 2023}, {1, 1, 65536 + 2000}};
-  for (const auto& [day, month, year] : dates) EXPECT_THROW(value.SetAsDate(day, month, year), GroupValueException);
-  const unsigned times[][4] = {{24, 0, 0, 0}, {0, 60, 0, 0}, {0, 0, 60, 0}, {0, 0, 0, 8}};
-  for (const auto& [hour, minute, second, weekday] : times) {
-    EXPECT_THROW(value.SetAsTimeOfDay(hour, minute, second, weekday), GroupValueException);
-  }
-  EXPECT_THROW(value.SetAsFloat16(670761.0), GroupValueException);
-  EXPECT_THROW(value.SetAsFloat16(INFINITY), GroupValueException);
+  GroupValue value({7}, 8);
+  constexpr unsigned kDates[][3] = {{1, 1, 1989}, {1, 1, 2090}, {29, 2, 2023}, {31, 4, 2023},
+                                    {0, 1, 2023}, {1, 0, 2023}, {1, 13, 2023}, {1, 1, 65536 + 2000}};
+  for (const auto& [day, month, year] : kDates) EXPECT_THROW(value.SetAsDate(day, month, year), GroupValueException);
+  constexpr unsigned kTimes[][4] = {{24, 0, 0, 0}, {0, 60, 0, 0}, {0, 0, 60, 0}, {0, 0, 0, 8}};
+  for (const auto& [h, m, s, day] : kTimes) EXPECT_THROW(value.SetAsTimeOfDay(h, m, s, day), GroupValueException);
+  for (const double number : {670761.0, double{INFINITY}})
+    EXPECT_THROW(value.SetAsFloat16(number), GroupValueException);
   EXPECT_EQ(Wire(value), "07/8");
 }
 
@@ -122,35 +119,25 @@ TEST(GroupValue, GettersMaskShortValuesAndIgnoreSizeAndFurtherOctets) {
 }
 
 TEST(GroupValue, GettersOfDatesAndTimesMaskButDoNotJudge) {
-  struct Case {
-    std::uint8_t octet;
-    unsigned year;
-  };
-  for (const Case& c : {Case{90, 1990}, {99, 1999}, {0, 2000}, {89, 2089}, {100, 2100}, {0x80 | 23, 2023}}) {
-    const Date date = GroupValue({0xFF, 0xFF, c.octet}, 24).GetAsDate();
-    EXPECT_EQ(date.year, c.year);
-    EXPECT_EQ(date.month, 15);
-    EXPECT_EQ(date.day, 31);
+  constexpr unsigned kYears[][2] = {{90, 1990}, {99, 1999}, {0, 2000}, {89, 2089}, {100, 2100}, {0x80 | 23, 2023}};
+  for (const auto& [octet, year] : kYears) {
+    const Date date = GroupValue({0xFF, 0xFF, static_cast<std::uint8_t>(octet)}, 24).GetAsDate();
+    EXPECT_EQ(std::tuple(date.year, date.month, date.day), std::tuple(year, 15, 31));
   }
   const DayTime time = GroupValue({0xFF, 0xFF, 0xFF}, 24).GetAsTimeOfDay();
-  EXPECT_EQ(time.hour, 31);
-  EXPECT_EQ(time.minute, 63);
-  EXPECT_EQ(time.second, 63);
-  EXPECT_EQ(time.weekday, 7);
+  EXPECT_EQ(std::tuple(time.hour, time.minute, time.second, time.weekday), std::tuple(31, 63, 63, 7));
 }
 
 TEST(GroupValue, GettersThrowWhenOctetsAreMissing) {
-  const GroupValue none;
-  const GroupValue two({1, 2}, 24);
-  const GroupValue three({1, 2, 3}, 32);
-  EXPECT_THROW(none.GetAsBoolean(), GroupValueException);
-  EXPECT_THROW(none.GetAsSigned8(), GroupValueException);
-  EXPECT_THROW(GroupValue({1}, 16).GetAsUnsigned16(), GroupValueException);
-  EXPECT_THROW(GroupValue({1}, 16).GetAsFloat16(), GroupValueException);
-  EXPECT_THROW(three.GetAsUnsigned32(), GroupValueException);
-  EXPECT_THROW(three.GetAsFloat32(), GroupValueException);
-  EXPECT_THROW(two.GetAsDate(), GroupValueException);
-  EXPECT_THROW(two.GetAsTimeOfDay(), GroupValueException);
+  const GroupValue values[] = {GroupValue(), GroupValue({1}, 16), GroupValue({1, 2}, 24), GroupValue({1, 2, 3}, 32)};
+  using Getter = void (*)(const GroupValue&);
+  const std::pair<std::size_t, Getter> cases[] = {
+      // so many octets do not suffice
+      {0, [](auto& v) { v.GetAsBoolean(); }},    {0, [](auto& v) { v.GetAsSigned8(); }},
+      {1, [](auto& v) { v.GetAsUnsigned16(); }}, {1, [](auto& v) { v.GetAsFloat16(); }},
+      {3, [](auto& v) { v.GetAsUnsigned32(); }}, {3, [](auto& v) { v.GetAsFloat32(); }},
+      {2, [](auto& v) { v.GetAsDate(); }},       {2, [](auto& v) { v.GetAsTimeOfDay(); }}};
+  for (const auto& [octets, get] : cases) EXPECT_THROW(get(values[octets]), GroupValueException);
 }
 
 TEST(KnxDpt, PrintsPlainDecimals) {

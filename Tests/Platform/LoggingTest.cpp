@@ -4,25 +4,43 @@
 #include <gmock/gmock.h>
 #include <log4cplus/configurator.h>
 
-#include <unistd.h>
-
 #include <cstdio>
-#include <fstream>
 #include <thread>
 
+#include "Support/Cases.h"
 #include "Support/LogCapture.h"
+#include "Support/TempFile.h"
 
 namespace Tal {
 namespace {
 
 using TalTest::ScopedLogCapture;
+using TalTest::TempFile;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
 constexpr CallSite kSite{"ToKnxValue", "bool Tal::ToKnxValue(int)", "TalObjectModel/Knx.Converter.cpp", 123};
 
-/// A file of this process's own.
-std::string Temporary(const std::string& name) { return testing::TempDir() + std::to_string(::getpid()) + name; }
+/// What goes to standard error meanwhile.
+template <class Call>
+std::string Heard(Call call) {
+  testing::internal::CaptureStderr();
+  call();
+  return testing::internal::GetCapturedStderr();
+}
+void Warning() { TAL_LOG_AT(Warn, kSite) << "a warning"; }
+
+/// What is said of a configuration; empty: it is usable. Everything is as before afterwards.
+std::string Configured(const std::string& path) {
+  std::string reason;
+  Heard([&] {  // where log4cplus complains
+    const bool isUsable = ConfigureLogging(path, reason);
+    EXPECT_EQ(isUsable, reason.empty());
+    for (int i = 0; i < 3; ++i) Warning();  // whatever the file says, records are made and harm nobody
+  });
+  log4cplus::Logger::getRoot().removeAllAppenders();
+  return reason;
+}
 
 TEST(Logging, ARecordCarriesLevelTextFunctionAndSource) {
   ScopedLogCapture log;
@@ -80,105 +98,52 @@ TEST(Logging, BuildsNoTextWhileTheLevelIsOff) {
   EXPECT_EQ(built, 1);
 }
 
-TEST(Logging, WithoutConfigurationWarningsGoToStandardError) {
-  testing::internal::CaptureStderr();
-  TAL_LOG_AT(Info, kSite) << "too low";
-  TAL_LOG_AT(Warn, kSite) << "high enough";
-  const std::string text = testing::internal::GetCapturedStderr();
-  EXPECT_THAT(text, HasSubstr("high enough"));
-  EXPECT_THAT(text, testing::Not(HasSubstr("too low")));
-}
-
-TEST(Logging, AnAppendersPresenceSilencesStandardError) {
-  testing::internal::CaptureStderr();
-  {
-    ScopedLogCapture log;
-    TAL_LOG(Error) << "captured";
-  }
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+TEST(Logging, WithoutConfigurationWarningsGoToStandardErrorUntilThereIsAnAppender) {
+  EXPECT_THAT(Heard(Warning), HasSubstr("a warning"));
+  EXPECT_EQ(Heard([] { TAL_LOG_AT(Info, kSite) << "too low"; }), "");
+  const ScopedLogCapture log;
+  EXPECT_EQ(Heard(Warning), "");
 }
 
 TEST(Logging, AnUnusableConfigurationIsRefusedAndChangesNothing) {
-  std::string reason;
-  EXPECT_FALSE(ConfigureLogging("/nonexistent/log.properties", reason));
-  EXPECT_THAT(reason, HasSubstr("cannot be read"));
-  EXPECT_FALSE(ConfigureLogging("/", reason));
-  EXPECT_THAT(reason, HasSubstr("cannot be read"));
-  const std::string path = Temporary("broken.properties");
-  std::ofstream(path) << "log4cplus.logger.tal=DEBUG\n";
-  EXPECT_FALSE(ConfigureLogging(path, reason));
-  EXPECT_THAT(reason, HasSubstr("no usable appender"));
-  std::ofstream(path) << "log4cplus.rootLogger=LOUD, A\nlog4cplus.appender.A=log4cplus::NullAppender\n";
-  EXPECT_FALSE(ConfigureLogging(path, reason));
-  EXPECT_THAT(reason, HasSubstr("no valid level"));
-  log4cplus::Logger::getRoot().removeAllAppenders();
-  std::remove(path.c_str());
-  EXPECT_FALSE(IsLogEnabled(LogLevel::Info));
-  testing::internal::CaptureStderr();
-  TAL_LOG(Warn) << "still heard";
-  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("still heard"));
+  const auto refuses = [](const std::string& path, const std::string& reason) {
+    EXPECT_THAT(Configured(path), HasSubstr(reason));
+    EXPECT_FALSE(IsLogEnabled(LogLevel::Info));
+    EXPECT_THAT(Heard(Warning), HasSubstr("a warning"));
+  };
+  TalTest::ForEachCase("Logging.txt", "refused",
+                       [&](const auto& c) { refuses(TempFile("log.properties", c[0]).path, c[1]); });
+  refuses("/nonexistent/log.properties", "cannot be read");
+  refuses("/", "cannot be read");
 }
 
-/// Whatever the file says, records are made, and what cannot be written harms nobody.
-TEST(Logging, AFaultyConfigurationHarmsNobody) {
-  const std::string path = Temporary("faulty.properties");
+TEST(Logging, WhatCannotBeWrittenHarmsNobody) {
   const std::string toFile = "log4cplus.rootLogger=INFO, A\nlog4cplus.appender.A=log4cplus::FileAppender\n";
-  const struct {
-    std::string text;
-    bool isUsable;
-  } cases[] = {
-      {std::string("\x7F"
-                   "ELF\0\1\xFF=\n====\n\\",
-                   16),
-       false},
-      {"log4cplus.rootLogger=" + std::string(100000, ','), false},
-      {"log4cplus.rootLogger=INFO, A\n", false},
-      {"log4cplus.rootLogger=INFO, A\nlog4cplus.appender.A=acme::NoSuchAppender\n", false},
-      {toFile + "log4cplus.appender.A.layout=acme::NoSuchLayout\nlog4cplus.appender.A.File=/dev/null\n", false},
-      {toFile, true},
-      {toFile + "log4cplus.appender.A.File=/no/such/folder/x.log\n", true},
-      {toFile + "log4cplus.appender.A.File=/\n", true},
-      {toFile + "log4cplus.appender.A.File=/dev/full\nlog4cplus.appender.A.ImmediateFlush=true\n", true},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text.substr(0, 150));
-    std::ofstream(path) << c.text;
-    testing::internal::CaptureStderr();  // where log4cplus complains
-    std::string reason;
-    const bool isUsable = ConfigureLogging(path, reason);
-    for (int i = 0; i < 3; ++i) TAL_LOG_AT(Error, kSite) << "a record";
-    testing::internal::GetCapturedStderr();
-    EXPECT_EQ(isUsable, c.isUsable);
-    EXPECT_EQ(reason.empty(), c.isUsable) << reason;
-    log4cplus::Logger::getRoot().removeAllAppenders();
+  TalTest::ForEachCase("Logging.txt", "usable", [&](const auto& c) {
+    EXPECT_EQ(Configured(TempFile("log.properties", toFile + "log4cplus.appender.A." + c[0]).path), "");
     GetGlobalDefaultLogger().setLogLevel(static_cast<int>(LogLevel::Warn));
-  }
-  std::remove(path.c_str());
-  testing::internal::CaptureStderr();
-  TAL_LOG(Warn) << "still heard";
-  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("still heard"));
+  });
 }
 
 // In processes of their own: a configuration lasts as long as its process.
 TEST(LoggingDeathTest, APropertiesFileDecidesLevelAndPlace) {
-  const std::string path = Temporary("good.properties");
-  const std::string appender =
-      "log4cplus.appender.ERR=log4cplus::ConsoleAppender\nlog4cplus.appender.ERR.logToStdErr=true\n"
-      "log4cplus.appender.ERR.layout=log4cplus::PatternLayout\n"
-      "log4cplus.appender.ERR.layout.ConversionPattern=<%p %m>%n\n";
-  std::ofstream(path) << "log4cplus.rootLogger=INFO, ERR\n" << appender;
+  const TempFile file(
+      "good.properties",
+      "log4cplus.rootLogger=INFO, ERR\nlog4cplus.appender.ERR=log4cplus::ConsoleAppender\n"
+      "log4cplus.appender.ERR.logToStdErr=true\nlog4cplus.appender.ERR.layout=log4cplus::PatternLayout\n"
+      "log4cplus.appender.ERR.layout.ConversionPattern=<%p %m>%n\n");
   const auto log = [&](bool configured) {
     TAL_LOG_AT(Debug, kSite) << "too low";
     TAL_LOG_AT(Info, kSite) << "once";
-    std::remove(path.c_str());  // this process made one of its own
+    std::remove(file.path.c_str());  // this process made one of its own
     std::_Exit(configured ? 0 : 1);
   };
   std::string reason;
-  EXPECT_EXIT(log(ConfigureLogging(path, reason)), testing::ExitedWithCode(0), "^<INFO ToKnxValue.*once>\n$");
+  const auto once = testing::ExitedWithCode(0);
+  EXPECT_EXIT(log(ConfigureLogging(file.path, reason)), once, "^<INFO ToKnxValue.*once>\n$");
   // An application may also configure log4cplus itself before the first record.
-  EXPECT_EXIT((log4cplus::PropertyConfigurator::doConfigure(path), log(true)), testing::ExitedWithCode(0),
+  EXPECT_EXIT((log4cplus::PropertyConfigurator::doConfigure(file.path), log(true)), once,
               "^<INFO ToKnxValue.*once>\n$");
-  std::remove(path.c_str());
 }
 
 /// Logs when the process ends, after the objects of its threads are gone.
