@@ -3,9 +3,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <boost/algorithm/string/join.hpp>
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 #include <chrono>
-#include <cmath>
 #include <limits>
 #include <set>
 #include <stdexcept>
@@ -29,12 +29,18 @@ using testing::ElementsAre;
 const time_duration kDefault;                               // zero
 const time_duration kLong = boost::posix_time::minutes(5);  // no answer that is meant to come is waited for that long
 const time_duration kShort = milliseconds(5);
+constexpr char kOpen[] = "||invalid|open";  // a docket without an answer
 
 ScriptedClient::Action Respond(const std::string& id, const std::string& text, int code = 0,
                                const std::string& description = "") {
   return [=](Handler& handler) { handler.OnResponse(nullptr, id, text, TestError(code, description)); };
 }
 
+/// "reply|error|valid|answered"
+std::string Shown(const Docket& docket) {
+  return docket.ReadReply() + '|' + docket.ReadDeliveryError() + (docket.IsReplyValid() ? "|valid" : "|invalid") +
+         (docket.IsAnswered() ? "|answered" : "|open");
+}
 /// A messenger on a client with a script, registered as its response handler.
 struct Rig {
   template <class Script>
@@ -57,17 +63,20 @@ struct Rig {
     EXPECT_THAT(log.Records().back().message, "No docket for response ID '" + id + "'");
   }
 
+  /// What a call gives, and its records.
+  template <class Call>
+  std::vector<std::string> Told(Call call) {
+    ScopedLogCapture log;
+    const std::string docket = Shown(call(messenger));
+    std::vector<std::string> told = log.Take();
+    told.insert(told.begin(), docket);
+    return told;
+  }
+
   ScriptedClient client;
   Tal::RemoteRequestMessengerDeviceStack adapter;
   Tal::DscAsyncRequestMessenger messenger;
 };
-
-/// "reply|error|valid|answered"
-std::string Shown(const Docket& docket) {
-  return docket.ReadReply() + '|' + docket.ReadDeliveryError() + (docket.IsReplyValid() ? "|valid" : "|invalid") +
-         (docket.IsAnswered() ? "|answered" : "|open");
-}
-constexpr char kOpen[] = "||invalid|open";
 
 TEST(Docket, IsARecordOfItsOwn) {
   EXPECT_EQ(Shown(Docket()), kOpen);
@@ -88,14 +97,14 @@ TEST(Function, SharesItsCallableAndEndsTheProcessWhenEmpty) {
 }
 
 TEST(Adapter, HandsEverythingToTheClient) {
-  ScriptedClient client({{"r", {}}, {"s", {}}, {"g", {}}, {"q", {}}, {"c", {}}});
+  ScriptedClient client([](const std::string& call) { return Step{call == "Request refused" ? "" : "id", {}}; });
   Tal::RemoteRequestMessengerDeviceStack adapter(client);
   adapter.SetResponseHandler(nullptr);
-  EXPECT_EQ(adapter.RegisterApplicationAsync("a", "b", "c"), "r");
-  EXPECT_EQ(adapter.SetValueAsync(100101, Bool(true), true), "s");
-  EXPECT_EQ(adapter.GetValueAsync(0xFFFFFFFF, true), "g");
-  EXPECT_EQ(adapter.RequestAsync("text"), "q");
-  EXPECT_EQ(adapter.SetConfigurationAsync("text"), "c");
+  EXPECT_EQ(adapter.RegisterApplicationAsync("a", "b", "c"), "id");
+  EXPECT_EQ(adapter.SetValueAsync(100101, Bool(true), true), "id");
+  EXPECT_EQ(adapter.GetValueAsync(0xFFFFFFFF, true), "id");
+  EXPECT_EQ(adapter.RequestAsync("text"), "id");
+  EXPECT_EQ(adapter.SetConfigurationAsync("text"), "id");
   EXPECT_EQ(adapter.RequestAsync("refused"), "");
   EXPECT_TRUE(adapter.SetConfiguration(100100, {{PropertyType::Name, "lamp"}}));
   std::string config;
@@ -103,10 +112,10 @@ TEST(Adapter, HandsEverythingToTheClient) {
   EXPECT_EQ(config, "true");
   EXPECT_FALSE(adapter.SetDeviceConfig({{"key", "value"}}));
   EXPECT_TRUE(adapter.EnableNativeFormat());
-  EXPECT_THAT(client.Calls(), ElementsAre("SetResponseHandler none", "RegisterApplication a b c",
-                                          "SetValue 100101 2:1 true", "GetValue 4294967295 true", "Request text",
-                                          "SetConfiguration text", "Request refused", "configure 100100 lamp",
-                                          "GetDeviceConfig", "SetDeviceConfig value", "SetValueFormat Native"));
+  EXPECT_EQ(boost::algorithm::join(client.Calls(), "; "),
+            "SetResponseHandler none; RegisterApplication a b c; SetValue 100101 2:1 true; GetValue 4294967295 true; "
+            "Request text; SetConfiguration text; Request refused; configure 100100 lamp; GetDeviceConfig; "
+            "SetDeviceConfig value; SetValueFormat Native");
   if constexpr (sizeof(unsigned long) > 4) {  // object identifiers have 32 bits
     const unsigned long tooLarge = std::numeric_limits<unsigned long>::max();
     EXPECT_EQ(adapter.SetValueAsync(tooLarge, Bool(true), true), "");
@@ -120,10 +129,8 @@ TEST(Adapter, SerialisesValuesInTheFormInForceAndNanAsItsTwoTexts) {
   ScriptedClient client;
   Tal::RemoteRequestMessengerDeviceStack adapter(client);
   ScopedLogCapture log;
-  AROVALUE nanAsDWord = Float(std::nan(""));
-  nanAsDWord.avt = avtDWord;
   const auto setAll = [&] {
-    for (const AROVALUE& value : {Float(std::nan("")), Float(21.5), nanAsDWord}) adapter.SetValueAsync(1, value, false);
+    for (const char* value : {"nan", "3:21.5", "8=nan"}) adapter.SetValueAsync(1, Value(value), false);
   };
   setAll();
   adapter.EnableInternalValueFormat();
@@ -131,10 +138,11 @@ TEST(Adapter, SerialisesValuesInTheFormInForceAndNanAsItsTwoTexts) {
   setAll();
   adapter.EnableDefaultValueFormat();
   setAll();
-  EXPECT_THAT(client.Calls(), ElementsAre("SetValue 1 nan false", "SetValue 1 3:21.5 false", "SetValue 1 8:0 false",
-                                          "internal format", "SetValueFormat Native", "SetValue 1 3.7:nan false",
-                                          "SetValue 1 3.7:21.5 false", "SetValue 1 8.7:0 false", "default format",
-                                          "SetValue 1 nan false", "SetValue 1 3:21.5 false", "SetValue 1 8:0 false"));
+  EXPECT_EQ(
+      boost::algorithm::join(client.Calls(), "; "),
+      "SetValue 1 nan false; SetValue 1 3:21.5 false; SetValue 1 8:0 false; internal format; SetValueFormat Native; "
+      "SetValue 1 3.7:nan false; SetValue 1 3.7:21.5 false; SetValue 1 8.7:0 false; default format; "
+      "SetValue 1 nan false; SetValue 1 3:21.5 false; SetValue 1 8:0 false");
   EXPECT_THAT(log.Take(), ElementsAre("DEBUG Internal value format now enabled."));
 }
 
@@ -144,44 +152,43 @@ TEST(Adapter, TellsTheClientOfAFormatBeforeItUsesIt) {
   client.onFormat = [&] { adapter.SetValueAsync(1, Bool(true), false); };
   adapter.EnableInternalValueFormat();
   adapter.EnableDefaultValueFormat();
-  EXPECT_THAT(client.Calls(),
-              ElementsAre("internal format", "SetValue 1 2:1 false", "default format", "SetValue 1 2.7:1 false"));
+  EXPECT_EQ(boost::algorithm::join(client.Calls(), "; "),
+            "internal format; SetValue 1 2:1 false; default format; SetValue 1 2.7:1 false");
 }
 
 /// Every operation with its callback: what is sent, stored and logged when the answer is bad.
 struct OperationCase {
-  std::function<Docket(Tal::DscAsyncRequestMessenger&)> call;
-  std::function<void(Handler&, const TestError&)> answer;
+  Docket (*call)(Tal::DscAsyncRequestMessenger&);
+  void (*answer)(Handler&, const TestError&);
   const char* sent;
   const char* reply;
   const char* suffix;  ///< of the record
 };
-const std::vector<OperationCase>& Operations() {
-  using Messenger = Tal::DscAsyncRequestMessenger;
-  static const std::vector<OperationCase> cases = {
-      {[](Messenger& m) { return m.Request("text", kDefault); },
-       [](Handler& h, const TestError& e) { h.OnResponse(nullptr, "id", "done", e); }, "Request text", "done",
-       "; response: done"},
-      {[](Messenger& m) { return m.RegisterApplication("a", "b", "c"); },
-       [](Handler& h, const TestError& e) { h.OnRegisterApplication(nullptr, "id", e); }, "RegisterApplication a b c",
-       "", ""},
-      {[](Messenger& m) { return m.Request("config", kDefault); },
-       [](Handler& h, const TestError& e) { h.OnGetConfiguration(nullptr, "id", "<c/>", e); }, "Request config", "<c/>",
-       "; config: <c/>"},
-      {[](Messenger& m) { return m.SetConfiguration("text", kDefault, [] { return true; }); },
-       [](Handler& h, const TestError& e) { h.OnSetConfiguration(nullptr, "id", e); }, "SetConfiguration text", "", ""},
-      {[](Messenger& m) { return m.GetValue(100101, true); },
-       [](Handler& h, const TestError& e) { h.OnGetValue(nullptr, "id", 4294967295, "urn:x", "2:1", e); },
-       "GetValue 100101 true", "2:1", "; id: 4294967295; urn: urn:x; value: 2:1"},
-      {[](Messenger& m) { return m.SetValue(100101, Bool(true), false); },
-       [](Handler& h, const TestError& e) { h.OnSetValue(nullptr, "id", 7, "urn:x", "2:0", e); },
-       "SetValue 100101 2:1 false", "2:0", "; id: 7; urn: urn:x; value: 2:0"},
-  };
-  return cases;
-}
+// clang-format off
+const OperationCase kOperations[] = {
+    {[](auto& m) { return m.Request("text", kDefault); },
+     [](auto& h, auto& e) { h.OnResponse(nullptr, "id", "done", e); },
+     "Request text", "done", "; response: done"},
+    {[](auto& m) { return m.RegisterApplication("a", "b", "c"); },
+     [](auto& h, auto& e) { h.OnRegisterApplication(nullptr, "id", e); },
+     "RegisterApplication a b c", "", ""},
+    {[](auto& m) { return m.Request("config", kDefault); },
+     [](auto& h, auto& e) { h.OnGetConfiguration(nullptr, "id", "<c/>", e); },
+     "Request config", "<c/>", "; config: <c/>"},
+    {[](auto& m) { return m.SetConfiguration("text", kDefault, [] { return true; }); },
+     [](auto& h, auto& e) { h.OnSetConfiguration(nullptr, "id", e); },
+     "SetConfiguration text", "", ""},
+    {[](auto& m) { return m.GetValue(100101, true); },
+     [](auto& h, auto& e) { h.OnGetValue(nullptr, "id", 4294967295, "urn:x", "2:1", e); },
+     "GetValue 100101 true", "2:1", "; id: 4294967295; urn: urn:x; value: 2:1"},
+    {[](auto& m) { return m.SetValue(100101, Bool(true), false); },
+     [](auto& h, auto& e) { h.OnSetValue(nullptr, "id", 7, "urn:x", "2:0", e); },
+     "SetValue 100101 2:1 false", "2:0", "; id: 7; urn: urn:x; value: 2:0"},
+};
+// clang-format on
 
 TEST(Messenger, StoresGoodAndBadAnswersOfEveryOperation) {
-  for (const OperationCase& c : Operations()) {
+  for (const OperationCase& c : kOperations) {
     for (const int code : {0, 17, -1}) {
       const TestError error(code, code == 0 ? "" : "no such thing");
       Rig rig(Steps{{"id", [&](Handler& handler) { c.answer(handler, error); }}});
@@ -206,60 +213,42 @@ TEST(Messenger, StoresGoodAndBadAnswersOfEveryOperation) {
 
 TEST(Messenger, TriesAgainAfterEmptyIdsAndTimeoutsUntilItsAttemptsAreUsedUp) {
   const std::string empty = "ERROR Request ID is empty, retrying";
-  const auto given = [](const std::string& id) { return "DEBUG Request ID is '" + id + "'"; };
-  const auto late = [](const std::string& id) {
-    return std::vector<std::string>{"WARN Timeout (00:00:00.005000) occured for request ID '" + id + "'",
-                                    "ERROR No response received for ID '" + id + "' with timeout 00:00:00, retrying"};
-  };
-  {
-    Rig rig(Steps{}, kShort, 2);
-    ScopedLogCapture log;
-    EXPECT_EQ(Shown(rig.messenger.GetValue(1, false)), kOpen);
-    EXPECT_THAT(log.Take(), ElementsAre(given(""), empty, given(""), empty, given(""), empty,
-                                        "ERROR Maximum number of retries (2) reached."));
-  }
-  {
-    Rig rig(Steps{{"a", {}}}, kShort, 0);
-    ScopedLogCapture log;
-    EXPECT_EQ(Shown(rig.messenger.GetValue(1, false)), kOpen);
-    EXPECT_THAT(log.Take(),
-                ElementsAre(given("a"), late("a")[0], late("a")[1], "ERROR Maximum number of retries (0) reached."));
-    EXPECT_EQ(rig.client.Calls().size(), 2u);
-    rig.ExpectNoDocket("a");
-  }
-  {
-    const ScopedLogCapture quiet(Tal::LogLevel::Fatal);
-    // The answer to the first comes late and is dropped; a second answer to the third changes nothing.
-    Rig rig(Steps{{"a", {}},
-                  {"", {}},
-                  {"c",
-                   [](Handler& handler) {
-                     Respond("a", "first")(handler);
-                     Respond("c", "third")(handler);
-                     Respond("c", "third")(handler);
-                   }}},
-            kLong, 2);
-    EXPECT_EQ(Shown(rig.messenger.Request("x", milliseconds(300))), "third||valid|answered");
-    rig.client.Drain();
-    for (const char* id : {"a", "c"}) rig.ExpectNoDocket(id);
-  }
+  const auto get = [](auto& messenger) { return messenger.GetValue(1, false); };
+  Rig mute(Steps{}, kShort, 2);
+  EXPECT_THAT(mute.Told(get),
+              ElementsAre(kOpen, "DEBUG Request ID is ''", empty, "DEBUG Request ID is ''", empty,
+                          "DEBUG Request ID is ''", empty, "ERROR Maximum number of retries (2) reached."));
+  Rig slow(Steps{{"a", {}}}, kShort, 0);
+  EXPECT_THAT(slow.Told(get),
+              ElementsAre(kOpen, "DEBUG Request ID is 'a'", "WARN Timeout (00:00:00.005000) occured for request ID 'a'",
+                          "ERROR No response received for ID 'a' with timeout 00:00:00, retrying",
+                          "ERROR Maximum number of retries (0) reached."));
+  EXPECT_EQ(slow.client.Calls().size(), 2u);
+  slow.ExpectNoDocket("a");
   // Deliberate: all ones wrap to no attempt at all.
-  Rig rig(Steps{{"a", {}}}, kShort, std::numeric_limits<unsigned>::max());
-  ScopedLogCapture log;
-  EXPECT_EQ(Shown(rig.messenger.GetValue(1, false)), kOpen);
-  EXPECT_THAT(log.Take(), ElementsAre("ERROR Maximum number of retries (4294967295) reached."));
+  Rig wrapped(Steps{{"a", {}}}, kShort, std::numeric_limits<unsigned>::max());
+  EXPECT_THAT(wrapped.Told(get), ElementsAre(kOpen, "ERROR Maximum number of retries (4294967295) reached."));
+
+  const ScopedLogCapture quiet(Tal::LogLevel::Fatal);
+  // The answer to the first comes late and is dropped; a second answer to the third changes nothing.
+  const auto answers = [](Handler& handler) {
+    for (const char* id : {"a", "c", "c"}) Respond(id, id)(handler);
+  };
+  Rig rig(Steps{{"a", {}}, {"", {}}, {"c", answers}}, kLong, 2);
+  EXPECT_EQ(Shown(rig.messenger.Request("x", milliseconds(300))), "c||valid|answered");
+  rig.client.Drain();
+  for (const char* id : {"a", "c"}) rig.ExpectNoDocket(id);
 }
 
 TEST(Messenger, TakesTheDefaultForAZeroTimeoutAndNoneForAnInfiniteOrHugeOne) {
   const ScopedLogCapture quiet(Tal::LogLevel::Fatal);
-  using boost::posix_time::pos_infin;
-  const time_duration huge = boost::posix_time::microseconds(std::numeric_limits<std::int64_t>::max() - 10);
-  for (const time_duration& timeout : {kDefault, kLong, time_duration(pos_infin), huge}) {
-    Rig rig(Steps{{"a", Respond("a", "done")}}, timeout == kDefault ? kLong : time_duration(kShort));
+  using namespace boost::posix_time;
+  const time_duration huge = microseconds(std::numeric_limits<std::int64_t>::max() - 10);
+  for (const auto& timeout : {kDefault, kLong, time_duration(pos_infin), huge}) {
+    Rig rig(Steps{{"a", Respond("a", "done")}}, timeout == kDefault ? kLong : kShort);
     EXPECT_EQ(Shown(rig.messenger.Request("x", timeout)), "done||valid|answered") << timeout.total_microseconds();
   }
-  for (const time_duration& over : {time_duration(milliseconds(-1)), time_duration(boost::posix_time::neg_infin),
-                                    time_duration(boost::posix_time::not_a_date_time)}) {
+  for (const auto& over : {time_duration(milliseconds(-1)), time_duration(neg_infin), time_duration(not_a_date_time)}) {
     Rig rig(Steps{{"a", {}}});
     EXPECT_EQ(Shown(rig.messenger.Request("x", over)), kOpen);
   }
@@ -320,45 +309,38 @@ TEST(Messenger, PassesDirectCallsOnWithoutWaiting) {
   EXPECT_TRUE(rig.messenger.EnableNativeFormat());
 }
 
-const char kAborted[] = "INFO Aborted a ZEL request because its result is no longer relevant";
-const char kIrrelevant[] = "DEBUG returned from waiting for response with ID 'a': !isStillRelevant";
-
 TEST(Messenger, AsksThePredicateBeforeTheWaitAfterEachWakeUpAndOnceMore) {
-  {
-    Rig rig(Steps{{"a", {}}, {"b", {}}}, kLong, 3);
-    ScopedLogCapture log;
-    EXPECT_EQ(Shown(rig.messenger.SetConfiguration("x", kDefault, [] { return false; })), kOpen);
-    EXPECT_THAT(log.Take(), ElementsAre("DEBUG Request ID is 'a'", kAborted, kIrrelevant));
-    EXPECT_EQ(rig.client.Calls().size(), 2u);  // no further attempt
-    rig.ExpectNoDocket("a");
-  }
-  {
-    // The answer is there, but the last question says that nobody wants it.
-    Rig rig(Steps{{"a", Respond("a", "done")}});
-    ScopedLogCapture log;
-    int asked = 0;
-    EXPECT_EQ(Shown(rig.messenger.SetConfiguration("x", kDefault, [&] { return ++asked < 3; })), kOpen);
-    EXPECT_EQ(asked, 3);
-    EXPECT_EQ(log.Take().back(), kIrrelevant);
-  }
-  {
-    // Somebody else's answer wakes the waiter, which notices that its result is no longer wanted.
-    Rig rig(Steps{{"a", {}}, {"b", Respond("b", "other")}});
-    std::atomic<bool> isWanted{true};
-    std::atomic<bool> isWaiting{false};
-    std::string result;
-    std::thread waiter([&] {
-      result = Shown(rig.messenger.SetConfiguration("x", kDefault, [&]() -> bool {
-        isWaiting = true;
-        return isWanted;
-      }));
-    });
-    while (!isWaiting) std::this_thread::yield();
-    isWanted = false;
-    EXPECT_EQ(Shown(rig.messenger.Request("y", kDefault)), "other||valid|answered");
-    waiter.join();
-    EXPECT_EQ(result, kOpen);
-  }
+  const char irrelevant[] = "DEBUG returned from waiting for response with ID 'a': !isStillRelevant";
+  Rig aborted(Steps{{"a", {}}, {"b", {}}}, kLong, 3);
+  EXPECT_THAT(aborted.Told([](auto& m) { return m.SetConfiguration("x", kDefault, [] { return false; }); }),
+              ElementsAre(kOpen, "DEBUG Request ID is 'a'",
+                          "INFO Aborted a ZEL request because its result is no longer relevant", irrelevant));
+  EXPECT_EQ(aborted.client.Calls().size(), 2u);  // no further attempt
+  aborted.ExpectNoDocket("a");
+
+  // The answer is there, but the last question says that nobody wants it.
+  Rig answered(Steps{{"a", Respond("a", "done")}});
+  int asked = 0;
+  const auto told =
+      answered.Told([&](auto& m) { return m.SetConfiguration("x", kDefault, [&] { return ++asked < 3; }); });
+  EXPECT_EQ(asked, 3);
+  EXPECT_TRUE(told.front() == kOpen && told.back() == irrelevant);
+
+  // Somebody else's answer wakes the waiter, which notices that its result is no longer wanted.
+  Rig rig(Steps{{"a", {}}, {"b", Respond("b", "other")}});
+  std::atomic<bool> isWanted{true};
+  std::atomic<bool> isWaiting{false};
+  std::string result;
+  const auto predicate = [&]() -> bool {
+    isWaiting = true;
+    return isWanted;
+  };
+  std::thread waiter([&] { result = Shown(rig.messenger.SetConfiguration("x", kDefault, predicate)); });
+  while (!isWaiting) std::this_thread::yield();
+  isWanted = false;
+  EXPECT_EQ(Shown(rig.messenger.Request("y", kDefault)), "other||valid|answered");
+  waiter.join();
+  EXPECT_EQ(result, kOpen);
 }
 
 TEST(Messenger, LetsWhatAPredicateThrowsOutAndLeavesNothingBehind) {
