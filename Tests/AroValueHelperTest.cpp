@@ -55,21 +55,16 @@ TEST(ToAroValue, PutsATimeOfDayOnTheFirstOf2000) {
   EXPECT_EQ(ToAroValue(*TalApp::TimeOfDay::Create(23, 59, 58, DayOfWeek::Sunday), avtDayTime), expected);
 }
 
-TEST(ToAroValue, TakesATimePointAsLocalTime) {
-  EXPECT_EQ(ToAroValue(time_from_string("2023-01-01 12:30:15.999"), avtDateTime),
-            Timed(avtDateTime, Time(2023, 1, 1, 12, 30, 15, 0x40)));
-  EXPECT_EQ(ToAroValue(time_from_string("1969-12-31 23:59:59"), avtDate),
-            Timed(avtDate, Time(1969, 12, 31, 23, 59, 59, 0x04)));
-  EXPECT_EQ(ToAroValue(time_from_string("1850-07-01 00:00:00"), avtDate),
-            Timed(avtDate, Time(1850, 7, 1, 0, 0, 0, 0x01)));
-}
-
-TEST(ToAroValue, EndsWithTheClockReading2038_01_19_03_14_07) {
-  EXPECT_EQ(ToAroValue(time_from_string("2038-01-19 03:14:07"), avtDayTime),
-            Timed(avtDayTime, Time(2038, 1, 19, 3, 14, 7, 0x02)));
+TEST(ToAroValue, TakesATimePointAsLocalTimeUntilTheClockReads2038_01_19_03_14_07) {
+  const std::tuple<const char*, AroValueType, AROTIME> cases[] = {
+      {"2023-01-01 12:30:15.999", avtDateTime, Time(2023, 1, 1, 12, 30, 15, 0x40)},
+      {"1969-12-31 23:59:59", avtDate, Time(1969, 12, 31, 23, 59, 59, 0x04)},
+      {"1850-07-01 00:00:00", avtDate, Time(1850, 7, 1, 0, 0, 0, 0x01)},
+      {"2038-01-19 03:14:07", avtDayTime, Time(2038, 1, 19, 3, 14, 7, 0x02)}};
+  for (const auto& [text, type, time] : cases) EXPECT_EQ(ToAroValue(time_from_string(text), type), Timed(type, time));
+  using namespace boost::date_time;
   for (const ptime& late : {time_from_string("2038-01-19 03:14:08"), time_from_string("9999-12-31 00:00:00"),
-                            ptime(boost::date_time::not_a_date_time), ptime(boost::date_time::pos_infin),
-                            ptime(boost::date_time::neg_infin)}) {
+                            ptime(not_a_date_time), ptime(pos_infin), ptime(neg_infin)}) {
     EXPECT_EQ(ToAroValue(late, avtDayTime), AROVALUE()) << late;
   }
 }
@@ -86,9 +81,7 @@ TEST(TimeOfDay, KnowsExactlyOneDayOfASet) {
 
 TEST(TimeOfDay, GivesTheBitOfADay) {
   EXPECT_EQ(TalApp::ToAroWeekday(DayOfWeek::NoDay), 0);
-  for (unsigned day = 1; day <= 7; ++day) {
-    EXPECT_EQ(TalApp::ToAroWeekday(static_cast<DayOfWeek>(day)), 1 << (day - 1));
-  }
+  for (unsigned day = 1; day <= 7; ++day) EXPECT_EQ(TalApp::ToAroWeekday(static_cast<DayOfWeek>(day)), 1 << (day - 1));
 }
 
 TEST(UnreachableDeathTest, ReportsItsFixedPlacesAndTerminates) {

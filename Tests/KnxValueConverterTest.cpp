@@ -151,16 +151,16 @@ TEST_F(Converter, ComparesValueTypes) {
 TEST_F(Converter, FindsAddedRowsHoweverManyThereAreAndWhereverTheyStand) {
   const ScopedLogCapture quiet(Tal::LogLevel::Fatal);
   const Tal::KnxConverter& codec = *m_converter.GetEntry({0, 5, 1}).GetConverter();
-  for (const std::uint16_t main : std::initializer_list<std::uint16_t>{99, 255, 256, 60000}) {
-    for (std::uint16_t sub = 99; sub < 100; sub = static_cast<std::uint16_t>(sub - 2)) {  // odd ones, the largest first
-      m_converter.AddDptValueMapEntry(main, sub, 8, avtByte, AroDP::astGeneric, codec);
-    }
-    const auto found = [&](std::uint16_t sub) { return m_converter.GetEntry({0, main, sub}).GetDpt(); };
-    EXPECT_EQ(found(2).main, 0) << main;  // the fallback
-    m_converter.AddDptValueMapEntry(main, 0, 8, avtWord, AroDP::astGeneric, codec);
+  for (const std::uint16_t main : {std::uint16_t{99}, std::uint16_t{255}, std::uint16_t{256}, std::uint16_t{60000}}) {
+    const auto add = [&](int sub) {
+      m_converter.AddDptValueMapEntry(main, static_cast<std::uint16_t>(sub), 8, avtByte, AroDP::astGeneric, codec);
+    };
+    for (int sub = 99; sub > 0; sub -= 2) add(sub);  // odd ones, the largest first
+    EXPECT_EQ(Served({0, main, 2}), "fallback");
+    add(0);
     for (std::uint16_t sub = 0; sub <= 101; ++sub) {
-      EXPECT_EQ(found(sub).main, main);
-      EXPECT_EQ(found(sub).sub, sub % 2 != 0 && sub < 100 ? sub : 0) << main;
+      EXPECT_EQ(Served({0, main, sub}),
+                std::to_string(main) + '.' + std::to_string(sub % 2 != 0 && sub < 100 ? sub : 0));
     }
   }
 }
@@ -175,12 +175,12 @@ TEST_F(Converter, ServesSeveralThreads) {
         GroupValue groupValue;
         AROVALUE value;
         const AROVALUE sent = DWord(thread << 16 | i);
-        const bool done =
-            m_converter.ToKnxValue(dpt, sent, groupValue) && m_converter.FromKnxValue(dpt, groupValue, value);
-        if (done && value == sent) ++good;
         KnxValueConverter own;
         own.Init();
-        if (own.FromKnxValue(dpt, groupValue, value) && value == sent) ++good;
+        good +=
+            m_converter.ToKnxValue(dpt, sent, groupValue) && own.FromKnxValue(dpt, groupValue, value) && value == sent;
+        good +=
+            own.ToKnxValue(dpt, sent, groupValue) && m_converter.FromKnxValue(dpt, groupValue, value) && value == sent;
       }
     });
   }
@@ -215,15 +215,13 @@ TEST(TalKnxValueConverter, ConvertsSerialisedTextBothWays) {
 }
 
 TEST(DptValueMap, SharesRowsWithoutDependingOnWhereTheyCameFrom) {
-  const Tal::DptValueEntry row({8, 300, 7}, avtByte, AroDP::astGeneric, nullptr);
-  const Tal::DptValueEntry other({8, 300, 8}, avtWord, AroDP::astGeneric, nullptr);
   Tal::DptValueMap map;
   {
     Tal::DptValueMap source;
-    source.Insert(row);
+    source.Insert({{8, 300, 7}, avtByte, AroDP::astGeneric, nullptr});
     source.ShareRowsOf(source);
     map.ShareRowsOf(source);
-    source.Insert(other);
+    source.Insert({{8, 300, 8}, avtWord, AroDP::astGeneric, nullptr});
     EXPECT_EQ(source.Rows().at(300).size(), 2u);
     source.Clear();
   }

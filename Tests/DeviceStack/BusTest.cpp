@@ -18,12 +18,12 @@ using testing::ElementsAre;
 TEST(KnxAddress, IsReadAndWritten) {
   std::string error;
   GroupAddress group;
-  EXPECT_TRUE(ParseAddress("31/7/255", group, error));
-  EXPECT_EQ(group.raw, 0xFFFF);
-  EXPECT_TRUE(ParseAddress("1/2/3", group, error));
-  EXPECT_EQ(group.raw, 0x0A03);
-  EXPECT_EQ(FormatAddress(group), "1/2/3");
   IndividualAddress device;
+  for (const auto& [text, raw] : {std::pair("31/7/255", 0xFFFF), {"1/2/3", 0x0A03}}) {
+    EXPECT_TRUE(ParseAddress(text, group, error));
+    EXPECT_EQ(group.raw, raw);
+    EXPECT_EQ(FormatAddress(group), text);
+  }
   EXPECT_TRUE(ParseAddress("15.1.250", device, error));
   EXPECT_EQ(device.raw, 0xF1FA);
   EXPECT_EQ(FormatAddress(device), "15.1.250");

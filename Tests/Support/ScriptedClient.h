@@ -48,29 +48,23 @@ class ScriptedClient final : public Vanta::IDeviceStackClient {
           return step;
         }) {}
   ~ScriptedClient() override {
-    {
-      const std::lock_guard<std::mutex> lock(m_mutex);
-      m_isStopped = true;
-    }
-    m_changed.notify_all();
+    Post(nullptr);
     m_thread.join();
   }
 
   /// Runs @p action after those before it.
   void Post(Action action) {
-    {
-      const std::lock_guard<std::mutex> lock(m_mutex);
-      m_actions.push_back(std::move(action));
-    }
+    const Lock lock(m_mutex);
+    m_actions.push_back(std::move(action));
     m_changed.notify_all();
   }
   /// Waits until all actions are done.
   void Drain() {
-    std::unique_lock<std::mutex> lock(m_mutex);
+    Lock lock(m_mutex);
     m_idle.wait(lock, [this] { return m_actions.empty() && !m_isBusy; });
   }
   std::vector<std::string> Calls() const {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const Lock lock(m_mutex);
     return m_calls;
   }
 
@@ -88,7 +82,7 @@ class ScriptedClient final : public Vanta::IDeviceStackClient {
   }
   void SetResponseHandler(IResponseHandler* handler, void* context) override {
     Note(std::string("SetResponseHandler ") + (handler ? "handler" : "none") + (context ? " context" : ""));
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const Lock lock(m_mutex);
     m_handler = handler;
   }
   void SetInternalValueFormat(bool enabled) override {
@@ -109,28 +103,27 @@ class ScriptedClient final : public Vanta::IDeviceStackClient {
   }
 
  private:
+  using Lock = std::unique_lock<std::mutex>;
+
   bool Note(const std::string& call) {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const Lock lock(m_mutex);
     m_calls.push_back(call);
     return true;
   }
   std::string Next(const std::string& call) {
     Note(call);
-    Step step;
-    {
-      const std::lock_guard<std::mutex> lock(m_scriptMutex);
-      step = m_script(call);
-    }
+    const Lock lock(m_scriptMutex);
+    Step step = m_script(call);
     if (step.action) Post(std::move(step.action));
     return step.id;
   }
   void Run() {
-    std::unique_lock<std::mutex> lock(m_mutex);
+    Lock lock(m_mutex);
     for (;;) {
-      m_changed.wait(lock, [this] { return m_isStopped || !m_actions.empty(); });
-      if (m_actions.empty()) return;
+      m_changed.wait(lock, [this] { return !m_actions.empty(); });
       const Action action = std::move(m_actions.front());
       m_actions.pop_front();
+      if (!action) return;  // the end
       m_isBusy = true;
       IResponseHandler* const handler = m_handler;
       lock.unlock();
@@ -150,7 +143,6 @@ class ScriptedClient final : public Vanta::IDeviceStackClient {
   std::vector<std::string> m_calls;
   IResponseHandler* m_handler = nullptr;
   bool m_isBusy = false;
-  bool m_isStopped = false;
   std::thread m_thread;
 };
 
