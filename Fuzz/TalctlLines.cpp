@@ -85,7 +85,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const bool isText = json.contains("type") && json["type"] == "String";  // which may say "error: " itself
     const bool isRefused = json.contains("error");
     FUZZ_CHECK(isText || isRefused == (text[i].rfind("error: ", 0) == 0), answers[i]);
-    FUZZ_CHECK(!isRefused || text[i] == "error: " + json["error"].get<std::string>(), answers[i]);
+    const std::string column = json.contains("column") ? ", column " + json["column"].dump() : "";
+    const std::string place = "error: line " + json["line"].dump() + column + ": ";
+    FUZZ_CHECK(!isRefused || text[i] == place + json["error"].get<std::string>(), answers[i]);
     if (isEncode && !isRefused) FUZZ_CHECK(json.at("octets") == text[i], answers[i]);
     FUZZ_CHECK(json.dump() == answers[i], answers[i]);
   }

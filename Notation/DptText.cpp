@@ -5,7 +5,7 @@
 
 namespace Notation {
 
-bool ParseDpt(std::string_view text, Dpt& dpt, std::string& error) {
+bool ParseDpt(std::string_view text, Dpt& dpt, std::string& error, std::size_t* fault) {
   Cursor cursor(text);
   Dpt parsed;
   bool good;
@@ -20,6 +20,7 @@ bool ParseDpt(std::string_view text, Dpt& dpt, std::string& error) {
   if (!good || !cursor.AtEnd()) {
     error = Quoted(text) +
             " is not a datapoint type: expected main.sub up to 65535 each, such as 9.001, 9, DPST-9-1 or DPT-9";
+    if (fault != nullptr) *fault = text.size() - cursor.Rest().size();
     return false;
   }
   dpt = parsed;

@@ -13,7 +13,7 @@ int HexDigit(char c) {
 
 }  // namespace
 
-bool ParseOctets(std::string_view text, std::vector<std::uint8_t>& octets) {
+bool ParseOctets(std::string_view text, std::vector<std::uint8_t>& octets, std::size_t* fault) {
   Cursor cursor(text);
   cursor.Word("0x");
   for (std::string_view rest = cursor.Rest(); !rest.empty();) {
@@ -23,10 +23,14 @@ bool ParseOctets(std::string_view text, std::vector<std::uint8_t>& octets) {
     }
     const int high = HexDigit(rest[0]);
     const int low = rest.size() > 1 ? HexDigit(rest[1]) : -1;
-    if (high < 0 || low < 0) return false;
+    if (high < 0 || low < 0) {
+      if (fault != nullptr) *fault = text.size() - rest.size() + (high < 0 ? 0 : 1);
+      return false;
+    }
     octets.push_back(static_cast<std::uint8_t>(high << 4 | low));
     rest.remove_prefix(2);
   }
+  if (octets.empty() && fault != nullptr) *fault = text.size();
   return !octets.empty();
 }
 

@@ -65,7 +65,7 @@ while read -r command; do
   run env --default-signal=PIPE "${talctl[@]}" "$@" <lines >&4
   expect "$command | (nobody)" "$status $err" '141 '
   run env --ignore-signal=PIPE "${talctl[@]}" "$@" <lines >&4
-  expect "$command | (nobody, SIGPIPE ignored)" "$status $err" "1 $unwritable"
+  expect "$command | (nobody, SIGPIPE ignored)" "$status $err" '141 '
   run "${talctl[@]}" "$@" <lines >/dev/full
   expect "$command > /dev/full" "$status $err" "1 $unwritable"
 done <<'END'
@@ -91,10 +91,10 @@ config config.xml
 END
 
 # ---- signals ----
-# start ARGUMENT...: talctl in the background, once it has written its first line.
+# start ARGUMENT...: talctl in the background, once it has written its first line; descriptor 5 is its input.
 start() {
   : >out
-  "$@" >out 2>err &
+  "$@" <&5 >out 2>err &
   process=$!
   for ((i = 0; i < 600; i++)); do
     [ ! -s out ] || return
@@ -106,6 +106,7 @@ summarised() {
   wait "$process" 2>/dev/null
   end="$? $(grep -c ' telegrams received: ' out) $(<err)"
 }
+exec 5</dev/null
 monitor=("${talctl[@]}" monitor --wait)
 for signal in INT TERM HUP; do
   start timeout --foreground 60 env --default-signal=INT,TERM,HUP sh -c 'echo $$ >pid; exec "$@"' sh "${monitor[@]}"
@@ -122,5 +123,49 @@ expect 'SIGHUP under nohup' "$(grep -c ' telegrams received: ' out)" 0
 kill -TERM "$(<pid)"
 summarised
 expect 'SIGTERM under nohup' "$end" '0 1 '
+mkfifo feed
+exec 5<>feed
+for signal in INT=130 TERM=143 HUP=129; do
+  printf '9.001 21\n9.001 2x\n1.001' >&5
+  start timeout --foreground 60 env --default-signal=INT,TERM,HUP sh -c 'echo $$ >pid; exec "$@"' sh "${talctl[@]}" encode
+  kill "-${signal%=*}" "$(<pid)"
+  wait "$process" 2>/dev/null
+  end="$? $(sed 's/, [0-9.]* s$//' err) $(head -c 30 out | tr '\n' ' ')"
+  expect "$signal while lines are read" "$end" \
+    "${signal#*=} talctl: stopped: 2 lines, 1 refused 0C1A error: line 2, column 8: "
+done
+
+# ---- terminals ----
+# on_terminal ENVIRONMENT COMMAND: what a terminal shows of it, escapes as "^["; a file called out is shown too.
+on_terminal() {
+  rm -f out
+  env TALCTL="$(printf '%q ' "${talctl[@]}")" TERM=xterm $1 timeout 60 script -qec "$2" /dev/null </dev/null 2>&1 |
+    cat -v | sed 's/\^D\^H\^H//'
+  [ ! -f out ] || cat -v out
+}
+while IFS='>' read -r environment command painted; do
+  command=${command//TO/>}
+  expect "$environment $command" "$(on_terminal "$environment" "$command" | grep -c '\^\[')" "$painted"
+done <<'END'
+>eval "$TALCTL" encode 9.001 x>2
+NO_COLOR=1>eval "$TALCTL" encode 9.001 x>0
+NO_COLOR=>eval "$TALCTL" encode 9.001 x>2
+TERM=dumb>eval "$TALCTL" encode 9.001 x>0
+NO_COLOR=1>eval "$TALCTL" --color always encode 9.001 x>2
+>eval "$TALCTL" --color never encode 9.001 x>0
+>eval "$TALCTL" encode 9.001 x --json>0
+>eval "$TALCTL" encode --json --color always <lines TO out>0
+>eval "$TALCTL" dpts 9>1
+>eval "$TALCTL" dpts 9 TO out>0
+>echo 9.001 x | eval "$TALCTL" encode>1
+>echo 9.001 x | eval "$TALCTL" encode TO out>0
+>eval "$TALCTL" journey>7
+END
+slow='(cat lines; sleep 1.2; cat lines; sleep 0.5; cat lines) | eval "$TALCTL" encode TO out'
+shown=$(on_terminal '' "${slow/TO/>}")
+expect 'progress' "$(grep -cE '^2 lines, 0 refused, [0-9]+ lines/s\^M +\^M3 lines, 0 refused, [0-9]+ lines/s\^M +\^M0C1A$' <<<"$shown")" 1
+expect 'answers beside progress' "$(tail -n2 <<<"$shown" | tr '\n' ' ')" '0C1A 0C1A '
+expect 'progress nobody sees' "$(on_terminal '' "${slow/TO/2>err >}" | tr '\n' ' ')$(<err)" '0C1A 0C1A 0C1A '
+expect 'progress among answers' "$(on_terminal '' "${slow/TO*/}" | tr -d '\n')" '0C1A^M0C1A^M0C1A^M'
 
 [ "$failures" -eq 0 ]

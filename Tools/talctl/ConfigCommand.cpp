@@ -46,7 +46,7 @@ ExitStatus ConfigCommand::Run(const Invocation& invocation) {
                                              : Json(setting.value);
     out << Line({{"setting", setting.name}, {"value", value}, {"origin", origin}});
   }
-  if (!invocation.options.json) table.Print(out);
+  if (!invocation.options.json) table.Print(out, invocation.options.out);
   return isGood ? kDone : Refuse(invocation, OneLine(path) + ": " + log.FirstReason());
 }
 

@@ -7,6 +7,7 @@
 #include <boost/algorithm/string/trim.hpp>
 
 #include <Notation/Quoted.h>
+#include "Suggestion.h"
 
 namespace Talctl {
 namespace {
@@ -58,12 +59,21 @@ bool IsDecodedAtAll(const Dpt& dpt, Road road) {
 std::string MainLabel(const Dpt& dpt) { return std::to_string(dpt.main) + ".x"; }
 std::string TakeRoad(Road road) { return std::string("take `--road ") + NameOf(road) + "`"; }
 
+bool IsKnown(const Dpt& dpt) { return FindMainType(dpt) != nullptr || FindDptRow(dpt) != nullptr; }
+std::string NotKnown(const Dpt& dpt, Road road) {
+  return MainLabel(dpt) + " is not known; `talctl dpts` lists what is" + DidYouMeanDpt(dpt, road);
+}
+
 /// What to do about a refusal to encode.
 std::string EncodeAdvice(const Dpt& dpt, Road road) {
   if (CanEncode(dpt, road)) return "expected " + Expectation(dpt, road);
   if (CanEncode(dpt, Other(road))) return FormatDpt(dpt) + " is not encoded on this road; " + TakeRoad(Other(road));
-  const bool isKnown = FindMainType(dpt) != nullptr || FindDptRow(dpt) != nullptr;
-  return MainLabel(dpt) + (isKnown ? " is not encoded" : " is not known") + "; `talctl dpts` lists what is";
+  return IsKnown(dpt) ? MainLabel(dpt) + " is not encoded; `talctl dpts` lists what is" : NotKnown(dpt, road);
+}
+
+/// True for a sub number that is never read where the first one is.
+bool IsReadAsFirst(const Dpt& dpt, const GroupValue& groupValue, Road road) {
+  return !IsDecodedAtAll(dpt, road) && Decodes(road, {dpt.main, 1}, groupValue);
 }
 
 /// What to do about octets that are refused, or stand for nothing.
@@ -76,13 +86,16 @@ std::string DecodeAdvice(const Dpt& dpt, const GroupValue& groupValue, Road road
     };
     return FormatDpt(dpt) + " has " + count(*bits, " bit") + " in " + count((*bits + 7) / 8, " octet");
   }
-  if (FindMainType(dpt) == nullptr && FindDptRow(dpt) == nullptr) {
-    return MainLabel(dpt) + " is not known; `talctl dpts` lists what is";
-  }
-  const Dpt first{dpt.main, 1};
-  return !IsDecodedAtAll(dpt, road) && Decodes(road, first, groupValue)
-             ? "they can be read as " + FormatDpt(first)
-             : "check that the sender uses " + FormatDpt(dpt);
+  if (!IsKnown(dpt)) return NotKnown(dpt, road);
+  return IsReadAsFirst(dpt, groupValue, road) ? "they can be read as " + FormatDpt({dpt.main, 1})
+                                              : "check that the sender uses " + FormatDpt(dpt);
+}
+
+/// True when it is the datapoint type that stands in the way of decoding, not the octets.
+bool IsDptAtFault(const Dpt& dpt, const GroupValue& groupValue, Road road) {
+  const auto* const main = FindMainType(dpt);
+  const bool isOfOtherRoad = road == Road::Direct && main != nullptr && !main->isDecoded;
+  return !IsKnown(dpt) || isOfOtherRoad || IsReadAsFirst(dpt, groupValue, road);
 }
 
 /// The library's reason without what ends its sentence, or else @p silent; then what to do.
@@ -104,15 +117,25 @@ std::string ExplainNothing(const Dpt& dpt, const GroupValue& groupValue, const A
   return std::string(reason) + ": " + DecodeAdvice(dpt, groupValue, road);
 }
 
+bool ReadDpt(std::string_view text, Conversion& conversion) {
+  Dpt dpt;
+  conversion.isDptWrong = !ParseDpt(text, dpt, conversion.error, &conversion.fault);
+  if (conversion.isDptWrong) {
+    conversion.error += DidYouMeanDpt(text);
+    return false;
+  }
+  conversion.dpt = dpt;
+  return true;
+}
+
 /// Reads what `decode` and `check` are given; on failure the error says what was expected.
 bool ReadGroupValue(std::string_view dptText, std::string_view octetsText, boost::optional<unsigned> bits,
                     Conversion& conversion) {
   conversion.text = octetsText;
-  Dpt dpt;
-  if (!ParseDpt(dptText, dpt, conversion.error)) return false;
-  conversion.dpt = dpt;
+  if (!ReadDpt(dptText, conversion)) return false;
+  const Dpt dpt = *conversion.dpt;
   std::vector<std::uint8_t> octets;
-  if (!ParseOctets(octetsText, octets)) {
+  if (!ParseOctets(octetsText, octets, &conversion.fault)) {
     conversion.error = (octetsText.empty() ? "the octets are missing" : Quoted(octetsText) + " is no octets") +
                        ": expected two hex digits an octet, such as 0C1A, 0C 1A or 0x0C1A";
     return false;
@@ -143,23 +166,26 @@ bool CanEncode(const Dpt& dpt, Road road) {
 Conversion Encode(std::string_view dptText, std::string_view valueText, Road road, ReasonLog& log) {
   Conversion conversion;
   conversion.text = valueText;
-  Dpt dpt;
-  if (!ParseDpt(dptText, dpt, conversion.error)) return conversion;
-  conversion.dpt = dpt;
+  if (!ReadDpt(dptText, conversion)) return conversion;
+  const Dpt dpt = *conversion.dpt;
   const AroValueType type = ValueTypeOf(dpt, road);
   if (type != avtString) valueText = valueText.substr(0, valueText.find_last_not_of(" \t") + 1);
   if (type != avtString && valueText.empty()) {
     conversion.error = "the value is missing: " + EncodeAdvice(dpt, road);
+    conversion.isDptWrong = !CanEncode(dpt, road);
     return conversion;
   }
   AROVALUE value;
   const std::string plain = type == avtString ? Unescaped(valueText) : std::string(valueText);
   if (!ParseValue(plain, dpt, type, value)) {
     conversion.error = Quoted(valueText) + " is no value of " + FormatDpt(dpt) + ": " + EncodeAdvice(dpt, road);
+    conversion.fault = FaultIn(valueText, dpt, type);
     return conversion;
   }
   conversion.value = value;
-  const std::string silent = Quoted(valueText) + " cannot be sent as " + FormatDpt(dpt);
+  const auto explain = [&](const std::string& reason) {
+    return Explain(reason, Quoted(valueText) + " cannot be sent as " + FormatDpt(dpt), EncodeAdvice(dpt, road));
+  };
   log.Clear();
   try {
     conversion.groupValue = EncodeOn(road, dpt, value);
@@ -168,11 +194,12 @@ Conversion Encode(std::string_view dptText, std::string_view valueText, Road roa
       conversion.error =
           Explain("", FormatDpt(dpt) + " is taken for valid, but no octets are written", EncodeAdvice(dpt, road));
     } else if (!conversion.groupValue) {
-      conversion.error = Explain(log.FirstReason(), silent, EncodeAdvice(dpt, road));
+      conversion.error = explain(log.FirstReason());
     }
   } catch (const std::exception& exception) {  // the calendar's range errors
-    conversion.error = Explain(exception.what(), silent, EncodeAdvice(dpt, road));
+    conversion.error = explain(exception.what());
   }
+  conversion.isDptWrong = !conversion.error.empty() && !CanEncode(dpt, road);
   return conversion;
 }
 
@@ -190,18 +217,21 @@ Conversion Decode(const Dpt& given, const GroupValue& groupValue, Road road, Rea
   Dpt dpt = given;
   conversion.groupValue = groupValue;
   conversion.dpt = dpt;
-  const std::string silent = "the octets are refused for " + FormatDpt(dpt);
+  const auto explain = [&](const std::string& reason) {
+    return Explain(reason, "the octets are refused for " + FormatDpt(dpt), DecodeAdvice(dpt, groupValue, road));
+  };
   log.Clear();
   try {
     conversion.value = DecodeOn(road, dpt, groupValue);
     conversion.dpt = dpt;
     if (conversion.value && HasContent(*conversion.value)) return conversion;
-    conversion.error = conversion.value ? ExplainNothing(dpt, groupValue, *conversion.value, road)
-                                        : Explain(log.FirstReason(), silent, DecodeAdvice(dpt, groupValue, road));
+    conversion.error =
+        conversion.value ? ExplainNothing(dpt, groupValue, *conversion.value, road) : explain(log.FirstReason());
   } catch (const std::exception& exception) {  // the calendar's range errors
-    conversion.error = Explain(exception.what(), silent, DecodeAdvice(dpt, groupValue, road));
+    conversion.error = explain(exception.what());
   }
   conversion.value = boost::none;
+  conversion.isDptWrong = IsDptAtFault(dpt, groupValue, road);
   return conversion;
 }
 
@@ -216,6 +246,7 @@ Conversion Check(std::string_view dptText, std::string_view octets, boost::optio
   if (!Tal::CheckGroupValue(*conversion.groupValue, conversion.dpt->Number())) {
     conversion.error = Explain(log.FirstReason(), "the octets are refused for " + FormatDpt(*conversion.dpt),
                                DecodeAdvice(*conversion.dpt, *conversion.groupValue, Road::Map));
+    conversion.isDptWrong = IsDptAtFault(*conversion.dpt, *conversion.groupValue, Road::Map);
   }
   return conversion;
 }

@@ -24,7 +24,9 @@ struct Conversion {
   boost::optional<Dpt> dpt;
   boost::optional<AROVALUE> value;
   boost::optional<KnxStack::GroupValue> groupValue;
-  std::string error;  ///< why it failed, and what to do; empty: it is done
+  std::string error;        ///< why it failed, and what to do; empty: it is done
+  bool isDptWrong = false;  ///< the fault is in the datapoint type, not in what stands behind it
+  std::size_t fault = 0;    ///< the octet of it where the fault is; 0 also when all of it is refused
 };
 
 /// Encodes a value given as text. Blanks at the end count only in a text value, which alone may be empty.

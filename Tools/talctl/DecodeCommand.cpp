@@ -36,7 +36,8 @@ boost::optional<unsigned> ReadBits(const std::optional<std::string>& text) {
   Cursor cursor(*text);
   unsigned bits = 0;
   if (cursor.Number(bits) && cursor.AtEnd()) return bits;
-  throw WrongUse("--bits: " + Quoted(*text) + " is no number of bits");
+  throw WrongUse("--bits: " + Quoted(*text) + " is no number of bits",
+                 AtOption("--bits", text->size() - cursor.Rest().size()));
 }
 
 }  // namespace

@@ -92,11 +92,11 @@ class Summary {
     if (!isExpected) ++m_different;
   }
   bool AllExpected() const { return m_different == 0; }
-  void Print(std::ostream& out) const {
+  void Print(std::ostream& out, const Paint& paint) const {
     out << m_values << " values\n";
     PrintRoad(out, "direct road: ", m_direct);
     PrintRoad(out, "map road:    ", m_map);
-    out << m_different << (AllExpected() ? " other than expected: all is well\n" : " other than expected\n");
+    out << paint(AllExpected() ? Colour::Good : Colour::Bad, VerdictOn(m_different)) << '\n';
   }
 
  private:
@@ -177,9 +177,11 @@ ExitStatus DemoCommand::Run(const Invocation& invocation) {
                  {"asExpected", isExpected}});
   }
   if (!json) {
-    table.Print(out);
+    table.SetColour(kSame, Colour::Good);
+    table.SetColour(kNotSent, Colour::Bad);
+    table.Print(out, invocation.options.out);
     out << '\n';
-    summary.Print(out);
+    summary.Print(out, invocation.options.out);
   }
   return summary.AllExpected() ? kDone : kRefused;
 }

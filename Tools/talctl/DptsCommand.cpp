@@ -10,6 +10,7 @@
 #include "ReasonLog.h"
 #include "Reference.h"
 #include "RoadOption.h"
+#include "Suggestion.h"
 #include "Table.h"
 
 namespace Talctl {
@@ -141,17 +142,20 @@ ExitStatus DptsCommand::Run(const Invocation& invocation) {
   std::vector<Row> wanted;
   if (operands.empty()) wanted = Select(m_road, nullptr);
   ExitStatus status = kDone;
-  for (const std::string& operand : operands) {
+  for (std::size_t i = 0; i < operands.size(); ++i) {
     Dpt dpt;
     std::string error;
+    std::size_t fault = 0;
     std::vector<Row> rows;
-    if (ParseDpt(operand, dpt, error)) {
+    if (!ParseDpt(operands[i], dpt, error, &fault)) {
+      error += DidYouMeanDpt(operands[i]);
+    } else {
       rows = Select(m_road, &dpt);
       if (rows.empty())
-        error =
-            FormatDpt(dpt) + " is not known on this road; `talctl dpts --road " + NameOf(m_road) + "` lists what is";
+        error = FormatDpt(dpt) + " is not known on this road; `talctl dpts --road " + NameOf(m_road) +
+                "` lists what is" + DidYouMeanDpt(dpt, m_road);
     }
-    if (rows.empty()) status = Refuse(invocation, error);
+    if (rows.empty()) status = Refuse(invocation, error, AtOperand(i, fault));
     wanted.insert(wanted.end(), rows.begin(), rows.end());
   }
   if (options.json) {
@@ -159,7 +163,7 @@ ExitStatus DptsCommand::Run(const Invocation& invocation) {
   } else if (!wanted.empty()) {
     Table table(Heading(m_road));
     for (const Row& row : wanted) table.Add(row.cells);
-    table.Print(streams.out);
+    table.Print(streams.out, options.out);
   }
   return status;
 }

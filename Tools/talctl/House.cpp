@@ -8,6 +8,9 @@
 #include <algorithm>
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 
+#include "Choice.h"
+#include "Suggestion.h"
+
 namespace Talctl {
 namespace {
 
@@ -26,7 +29,8 @@ time_duration ReadTimeout(const std::string& text) {
   const double number = isNumber ? seconds.GetFloat() : -1.0;
   if (number == std::numeric_limits<double>::infinity()) return boost::posix_time::pos_infin;
   if (!(number >= 0.0 && number <= kLargest)) {
-    throw WrongUse("--timeout: " + Quoted(text) + " is no time-out: expected seconds from 0 to 1000000000, or inf");
+    throw WrongUse("--timeout: " + Quoted(text) + " is no time-out: expected seconds from 0 to 1000000000, or inf",
+                   AtOption("--timeout", isNumber ? 0 : FaultIn(text, Dpt{14, 0}, avtFloat)));
   }
   if (number == 0.0) return boost::posix_time::seconds(kDefaultTimeout);
   return boost::posix_time::microseconds(std::max(std::int64_t{1}, static_cast<std::int64_t>(number * 1e6)));
@@ -53,7 +57,7 @@ void AddHouseOptions(CLI::App& command, HouseOptions& options) {
       ->check(CLI::Range(0u, 1000000u));
   command.add_option("--format", options.format, "How values travel: default or internal")
       ->type_name("FORMAT")
-      ->check(CLI::IsMember({"default", "internal"}));
+      ->transform(OneOf({"default", "internal"}));
 }
 
 DeviceStack::Installation InstallationOf(const HouseOptions& options) {
@@ -100,12 +104,18 @@ HouseObject House::Find(const std::string& idOrName) {
   std::uint64_t id = 0;
   const bool isNumber = !idOrName.empty() && std::all_of(idOrName.begin(), idOrName.end(), IsDigit);
   if (isNumber) {
-    if (!cursor.Number(id) || id > 0xFFFFFFFF) throw Refusal("there is no object " + Quoted(idOrName));
+    if (!cursor.Number(id) || id > 0xFFFFFFFF) throw Refusal("there is no object " + Quoted(idOrName), AtOperand(0));
     request["id"] = id;
   } else {
     request["object"] = AROVALUE::EnsureUTF8(idOrName);
   }
-  const Json described = Json::parse(Request(request.dump()));
+  const Tal::Docket docket = m_messenger.Request(request.dump(), m_timeout);
+  if (docket.IsAnswered() && !docket.IsReplyValid()) {
+    std::vector<std::string> names;
+    for (const auto& installed : m_installation.objects) names.push_back(installed.name);
+    throw Refusal(docket.ReadDeliveryError() + DidYouMean(idOrName, names), AtOperand(0));
+  }
+  const Json described = Json::parse(ReplyOf(docket));
   HouseObject object;
   object.id = isNumber ? static_cast<unsigned long>(id) : described["id"].get<unsigned long>();
   object.name = described.value("name", "");
@@ -128,10 +138,13 @@ AROVALUE House::Set(const HouseObject& object, const std::string& text) {
   AROVALUE value;
   if (!ParseValue(type == avtString ? Unescaped(text) : text, dpt, type, value)) {
     const std::string what = object.dpt ? FormatDpt(dpt) : AROVALUE::GetNameFromValueType(type);
-    throw Refusal(Quoted(text) + " is no value of " + what +
-                  (object.dpt ? ": expected " + Expectation(dpt, Road::Direct) : ""));
+    throw Refusal(
+        Quoted(text) + " is no value of " + what + (object.dpt ? ": expected " + Expectation(dpt, Road::Direct) : ""),
+        AtOperand(1, FaultIn(text, dpt, type)));
   }
-  ReplyOf(m_messenger.SetValue(object.id, value, false));
+  const Tal::Docket docket = m_messenger.SetValue(object.id, value, false);
+  if (docket.IsAnswered() && !docket.IsReplyValid()) throw Refusal(docket.ReadDeliveryError(), AtOperand(1));
+  ReplyOf(docket);
   return value;
 }
 

@@ -29,7 +29,10 @@ extern const char kHouseHelp[];
 /// Something that a house was asked for and did not do; the text is the reason.
 class Refusal : public std::runtime_error {
  public:
-  using std::runtime_error::runtime_error;
+  explicit Refusal(const std::string& reason, std::optional<Place> at = {})
+      : std::runtime_error(reason), place(std::move(at)) {}
+
+  const std::optional<Place> place;
 };
 
 /// The installation that the options name. @throws DeviceStack::InstallationError.
@@ -96,7 +99,7 @@ ExitStatus Answering(const Invocation& invocation, Body body) {
   try {
     return body();
   } catch (const Refusal& refusal) {
-    return Refuse(invocation, refusal.what());
+    return Refuse(invocation, refusal.what(), refusal.place);
   } catch (const DeviceStack::InstallationError& error) {
     return Refuse(invocation, error.what());
   }

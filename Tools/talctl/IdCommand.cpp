@@ -8,6 +8,7 @@
 #include <Notation/ObjectId.h>
 #include <Notation/Quoted.h>
 #include <Notation/ValueText.h>
+#include "Choice.h"
 #include "Commands.h"
 #include "Reference.h"
 
@@ -39,9 +40,12 @@ void PrintChannelAndValue(const Invocation& invocation, ObjectId channel, Object
 
 ExitStatus ExplainAll(const Invocation& invocation) {
   ExitStatus status = kDone;
-  for (const std::string& operand : invocation.operands) {
-    if (operand.empty() || !std::all_of(operand.begin(), operand.end(), IsDigit)) {
-      status = Refuse(invocation, Quoted(operand) + " is not an identifier: expected a whole number");
+  for (std::size_t i = 0; i < invocation.operands.size(); ++i) {
+    const std::string& operand = invocation.operands[i];
+    const auto fault = std::find_if_not(operand.begin(), operand.end(), IsDigit);
+    if (operand.empty() || fault != operand.end()) {
+      status = Refuse(invocation, Quoted(operand) + " is not an identifier: expected a whole number",
+                      AtOperand(i, static_cast<std::size_t>(fault - operand.begin())));
       continue;
     }
     ObjectId id;
@@ -55,8 +59,8 @@ ExitStatus PrintCo(const Invocation& invocation, LogicalDeviceId dev, const std:
   unsigned short co = 0;
   const auto value = cursor.Number(co) && cursor.AtEnd() ? GetCoValueObjModelId(co, dev) : boost::optional<ObjectId>();
   if (!value) {
-    return Refuse(invocation,
-                  "there is no communication object " + Quoted(text) + ": expected a number from 1 to 4095");
+    return Refuse(invocation, "there is no communication object " + Quoted(text) + ": expected a number from 1 to 4095",
+                  AtOption("--co", cursor.AtEnd() ? 0 : text.size() - cursor.Rest().size()));
   }
   PrintChannelAndValue(invocation, *GetCoChannelObjModelId(co, dev), *value);
   return kDone;
@@ -70,13 +74,15 @@ ExitStatus PrintParameter(const Invocation& invocation, LogicalDeviceId dev, con
     const auto channel = cursor.Number(n) && cursor.AtEnd() ? GetParameterChannelObjModelId(n, dev, kind.type)
                                                             : boost::optional<ObjectId>();
     if (!channel) {
-      return Refuse(invocation, "there is no parameter " + Quoted(text) + ": expected a number from 0 to " +
-                                    std::to_string(GetMaxParametersOfType(kind.type)));
+      return Refuse(invocation,
+                    "there is no parameter " + Quoted(text) + ": expected a number from 0 to " +
+                        std::to_string(GetMaxParametersOfType(kind.type)),
+                    AtOption("--parameter", cursor.AtEnd() ? 0 : text.size() - cursor.Rest().size()));
     }
     PrintChannelAndValue(invocation, *channel, *GetParameterValueObjModelId(n, dev, kind.type));
     return kDone;
   }
-  throw WrongUse("--parameter: " + Quoted(text) + " is not ip:N, number:N or text:N");
+  throw WrongUse("--parameter: " + Quoted(text) + " is not ip:N, number:N or text:N", AtOption("--parameter"));
 }
 
 }  // namespace
@@ -87,7 +93,7 @@ CLI::App* IdCommand::AddTo(CLI::App& app) {
           {"NUMBER...", "--device D --co N", "--device D --parameter TYPE:N", "--device D --app-control WHAT",
            "--markdown FILE"},
           "Explains identifiers, or computes them for a logical device.");
-  command->add_option("--device", m_device, "Logical device, 1 or 2")->type_name("D")->check(CLI::IsMember({"1", "2"}));
+  command->add_option("--device", m_device, "Logical device, 1 or 2")->type_name("D")->transform(OneOf({"1", "2"}));
   command->add_option("--co", m_co, "Communication object, 1 to 4095")->type_name("N");
   command->add_option("--parameter", m_parameter, "Application parameter: ip:N, number:N or text:N")
       ->type_name("TYPE:N");
@@ -95,7 +101,7 @@ CLI::App* IdCommand::AddTo(CLI::App& app) {
   for (const AppControlKind& kind : AppControlKinds()) names.emplace_back(kind.name);
   command->add_option("--app-control", m_appControl, "App host control: channel, state, event, alive or app-debug")
       ->type_name("WHAT")
-      ->check(CLI::IsMember(names));
+      ->transform(OneOf(names));
   command->add_option("--markdown", m_markdown, "Write a table of all identifiers as Markdown (-: to the output)")
       ->type_name("FILE");
   command->footer(

@@ -49,7 +49,8 @@ constexpr std::uint64_t kRefusedValues = 2;
 /// The journey, step by step; every difference from what must come is counted.
 class Journey {
  public:
-  explicit Journey(std::ostream& out, House& house, LogBus& bus) : m_out(out), m_house(house), m_bus(bus) {
+  Journey(std::ostream& out, const Paint& paint, House& house, LogBus& bus)
+      : m_out(out), m_paint(paint), m_house(house), m_bus(bus) {
     m_house.Stack().SetFaultPlan([this](Operation) {
       ++m_sent;
       if (m_toLose == 0) return Fault();
@@ -87,7 +88,7 @@ class Journey {
 
   void Play() {
     m_out << "From the bus: a morning's telegrams, decoded, and answered where they ask.\n\n";
-    TelegramTable table(m_house.Installed(), false, m_out);
+    TelegramTable table(m_house.Installed(), false, m_out, m_paint);
     table.PrintHeading();
     {
       const BusWatch watch(m_house, [&](const BusEvent& event) { table.Print(event); });
@@ -124,13 +125,14 @@ class Journey {
       Expect(isSame);
       table.Add({row.object, row.value, octets, back, note + (isSame ? "" : "  DIFFERS")});
     }
-    table.Print(m_out);
+    table.Print(m_out, m_paint);
   }
 
   void Lose() {
     m_out << "\nWhen answers are lost: asked again after " << kTimeout.total_milliseconds() << " ms, " << kRetries
           << " times at most.\n\n";
     Table table({"OBJECT", "ASKED", "ANSWER"});
+    table.SetColour("given up", Colour::Bad);
     for (const LossRow& row : kLosses) {
       const unsigned before = m_sent;
       m_toLose = row.lost;
@@ -147,7 +149,7 @@ class Journey {
       table.Add({row.object, std::to_string(m_sent - before) + (m_sent - before == 1 ? " time" : " times"),
                  answer + (isSame ? "" : "  DIFFERS")});
     }
-    table.Print(m_out);
+    table.Print(m_out, m_paint);
   }
 
   bool Summarise() {
@@ -157,13 +159,14 @@ class Journey {
           << " telegrams for no object; " << counters.telegramsSent << " telegrams out\n"
           << "Requests: " << m_asked << " made, " << m_answered << " answered, " << m_sent - m_asked << " retried, "
           << m_asked - m_answered << " given up\n"
-          << m_different << (m_different == 0 ? " other than expected: all is well\n" : " other than expected\n");
+          << m_paint(m_different == 0 ? Colour::Good : Colour::Bad, VerdictOn(m_different)) << '\n';
     return m_different == 0;
   }
 
   void Expect(bool isSame) { m_different += isSame ? 0 : 1; }
 
   std::ostream& m_out;
+  const Paint m_paint;
   House& m_house;
   LogBus& m_bus;
   unsigned m_asked = 0;
@@ -194,7 +197,7 @@ ExitStatus JourneyCommand::Run(const Invocation& invocation) {
     HouseOptions options;
     options.retries = kRetries;
     House house(options, bus);
-    return Journey(invocation.streams.out, house, bus).Run() ? kDone : kRefused;
+    return Journey(invocation.streams.out, invocation.options.out, house, bus).Run() ? kDone : kRefused;
   });
 }
 

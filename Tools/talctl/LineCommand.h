@@ -24,7 +24,8 @@ class LineCommand : public Command {
   virtual const char* OperandName() const = 0;
 
  private:
-  std::string Answer(const Invocation& invocation, unsigned long line, const Conversion& conversion) const;
+  /// @param column  of the fault in the line, from 1; 0: it is not in one place.
+  std::string AsJson(unsigned long line, std::size_t column, const Conversion& conversion) const;
   ExitStatus RunOperands(const Invocation& invocation, ReasonLog& log) const;
   ExitStatus RunLines(const Invocation& invocation, ReasonLog& log) const;
 };

@@ -6,14 +6,15 @@
 
 namespace Talctl {
 
-/// Reads what there is, and waits only when there is nothing; false at the end of the stream.
+/// Reads what there is, and waits only when there is nothing; false at the end of the stream, or when told to stop.
 bool LineReader::Fill() {
   if (m_begin > 0) {
     std::memmove(m_buffer.data(), m_buffer.data() + m_begin, m_end - m_begin);
     m_end -= m_begin;
     m_begin = 0;
   }
-  m_beforeWaiting();
+  m_isStopped = !m_beforeWaiting();
+  if (m_isStopped) return false;
   if (m_in.peek() == std::istream::traits_type::eof()) return false;
   const auto available = static_cast<std::size_t>(std::max<std::streamsize>(m_in.rdbuf()->in_avail(), 1));
   const std::size_t room = std::min(m_buffer.size() - m_end, available);
@@ -41,7 +42,7 @@ bool LineReader::Next() {
       break;
     }
     if (Fill()) continue;
-    if (m_in.bad() || m_begin == m_end) return false;
+    if (m_in.bad() || m_isStopped || m_begin == m_end) return false;
     m_text = std::string_view(m_buffer.data() + m_begin, m_end - m_begin);  // without a line end
     m_begin = m_end;
     break;

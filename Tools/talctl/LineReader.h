@@ -13,8 +13,8 @@ class LineReader {
  public:
   static constexpr std::size_t kMaxLength = 65536;
 
-  /// @param beforeWaiting  called before reading on may have to wait: the time to flush answers.
-  LineReader(std::istream& in, std::function<void()> beforeWaiting)
+  /// @param beforeWaiting  called before reading on may have to wait: the time to flush answers. False: stop here.
+  LineReader(std::istream& in, std::function<bool()> beforeWaiting)
       : m_in(in), m_beforeWaiting(std::move(beforeWaiting)), m_buffer(kMaxLength + 1) {}
 
   /// The next line; false at the end, or when the stream cannot be read (Failed()).
@@ -31,13 +31,14 @@ class LineReader {
   bool Fill();
 
   std::istream& m_in;
-  std::function<void()> m_beforeWaiting;
+  std::function<bool()> m_beforeWaiting;
   std::vector<char> m_buffer;
   std::size_t m_begin = 0;  ///< what was read and not yet given out
   std::size_t m_end = 0;
   std::string_view m_text;
   unsigned long m_number = 0;
   bool m_tooLong = false;
+  bool m_isStopped = false;
 };
 
 }  // namespace Talctl

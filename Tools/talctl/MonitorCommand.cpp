@@ -4,15 +4,15 @@
 #include <Samples.h>
 
 #include <atomic>
-#include <csignal>
 #include <fstream>
-#include <iterator>
 #include <ostream>
 #include <sstream>
 #include <thread>
 
+#include "Choice.h"
 #include "Commands.h"
 #include "House.h"
+#include "Interrupts.h"
 #include "TelegramTable.h"
 
 namespace Talctl {
@@ -20,36 +20,6 @@ namespace {
 
 using DeviceStack::LogBus;
 using DeviceStack::Telegram;
-
-static_assert(std::atomic<bool>::is_always_lock_free);
-std::atomic<bool> g_isInterrupted{false};
-
-/// Turns Ctrl-C, a request to end and a terminal that goes away (unless nohup guards against it) into a flag while it
-/// lives. The second one ends the process as ever, should the first not be heeded.
-class InterruptGuard {
- public:
-  InterruptGuard() {
-    g_isInterrupted = false;
-    struct sigaction action = {};
-    action.sa_handler = OnSignal;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);  // and no restart of what waits for a file
-    for (std::size_t i = 0; i < std::size(kSignals); ++i) {
-      sigaction(kSignals[i], nullptr, &m_previous[i]);
-      const bool isGuarded = kSignals[i] == SIGHUP && m_previous[i].sa_handler == SIG_IGN;
-      if (!isGuarded) sigaction(kSignals[i], &action, nullptr);
-    }
-  }
-  ~InterruptGuard() {
-    for (std::size_t i = 0; i < std::size(kSignals); ++i) sigaction(kSignals[i], &m_previous[i], nullptr);
-  }
-  InterruptGuard(const InterruptGuard&) = delete;
-  InterruptGuard& operator=(const InterruptGuard&) = delete;
-
- private:
-  static void OnSignal(int) { g_isInterrupted = true; }
-  static constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
-  struct sigaction m_previous[std::size(kSignals)];
-};
 
 std::vector<Telegram> ReadLog(const std::string& path) {
   std::ifstream file(path);
@@ -93,7 +63,7 @@ CLI::App* MonitorCommand::AddTo(CLI::App& app) {
   command->add_option("--log", m_log, "Telegram log to play")->type_name("FILE");
   command->add_option("--speed", m_speed, "full (default), or real: with the pauses of the log")
       ->type_name("SPEED")
-      ->check(CLI::IsMember({"real", "full"}));
+      ->transform(OneOf({"real", "full"}));
   command->add_option("--record", m_record, "Where the house's own telegrams are added, in the form of a log")
       ->type_name("FILE");
   command->add_flag("--wait", m_wait, "Go on waiting when the log has been played");
@@ -121,8 +91,8 @@ ExitStatus MonitorCommand::Run(const Invocation& invocation) {
     LogBus bus(std::move(telegrams), m_speed == "real" ? LogBus::Speed::Real : LogBus::Speed::Full,
                m_record ? &record : nullptr);
     House house(m_house, bus);
-    const InterruptGuard interrupts;
-    TelegramTable table(house.Installed(), invocation.options.json, invocation.streams.out);
+    const Interrupts interrupts;
+    TelegramTable table(house.Installed(), invocation.options.json, invocation.streams.out, invocation.options.out);
     table.PrintHeading();
     std::atomic<bool> isBroken{false};  // nobody reads on
     {
@@ -130,7 +100,7 @@ ExitStatus MonitorCommand::Run(const Invocation& invocation) {
         table.Print(event);
         if (!invocation.streams.out.flush()) isBroken = true;
       });
-      const auto isStopped = [&] { return g_isInterrupted || isBroken; };
+      const auto isStopped = [&] { return Interrupts::Signal() != 0 || isBroken; };
       bus.Play(isStopped);
       house.Stack().WaitUntilIdle();
       while (waits && !isStopped()) std::this_thread::sleep_for(std::chrono::milliseconds(50));

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <ostream>
 
-#include "Table.h"
+#include "Characters.h"
 
 namespace Talctl {
 namespace {
@@ -50,32 +50,37 @@ Notation::Json DescribeTelegram(const DeviceStack::Telegram& telegram) {
           {"octets", Notation::Hex(telegram.value.GetRawData())}};
 }
 
-TelegramTable::TelegramTable(const DeviceStack::Installation& installation, bool json, std::ostream& out)
-    : m_json(json), m_out(out), m_objectWidth(WidthOf("OBJECT")) {
+TelegramTable::TelegramTable(const DeviceStack::Installation& installation, bool json, std::ostream& out,
+                             const Paint& paint)
+    : m_json(json), m_out(out), m_paint(paint), m_objectWidth(WidthOf("OBJECT")) {
   for (const auto& object : installation.objects) m_objectWidth = std::max(m_objectWidth, WidthOf(object.name));
 }
 
-void TelegramTable::PrintCells(const std::string& time, const std::string& source, const std::string& group,
-                               const std::string& service, const std::string& object, const std::string& dpt,
-                               const std::string& octets, const std::string& value) {
+std::string TelegramTable::Cells(const std::string& time, const std::string& source, const std::string& group,
+                                 const std::string& service, const std::string& object, const std::string& dpt,
+                                 const std::string& octets) const {
   const auto pad = [](const std::string& cell, std::size_t width) {
     return cell + std::string(width - std::min(width, WidthOf(cell)) + 2, ' ');
   };
-  m_out << pad(time, 24) << pad(source, 7) << pad(group, 7) << pad(service, 8) << pad(object, m_objectWidth)
-        << pad(dpt, 7) << pad(octets, 10) << value << '\n';
+  return pad(time, 24) + pad(source, 7) + pad(group, 7) + pad(service, 8) + pad(object, m_objectWidth) + pad(dpt, 7) +
+         pad(octets, 10);
 }
 
 void TelegramTable::PrintHeading() {
-  if (!m_json) PrintCells("TIME", "SOURCE", "GROUP", "SERVICE", "OBJECT", "DPT", "OCTETS", "VALUE");
+  if (m_json) return;
+  const std::string cells = Cells("TIME", "SOURCE", "GROUP", "SERVICE", "OBJECT", "DPT", "OCTETS");
+  m_out << m_paint(Colour::Heading, cells + "VALUE") << '\n';
 }
 
 void TelegramTable::Print(const BusEvent& event) {
   const DeviceStack::Telegram& telegram = event.telegram;
   if (!m_json) {
-    PrintCells(DeviceStack::FormatTime(telegram.time), FormatAddress(telegram.source),
-               FormatAddress(telegram.destination), DeviceStack::NameOf(telegram.service),
-               event.object ? event.object->name : "-", event.object ? Notation::FormatDpt(event.object->dpt) : "-",
-               OctetsOf(telegram), ValueCell(event));
+    const bool isRefused = event.kind == BusEvent::Kind::Refused;
+    m_out << Cells(DeviceStack::FormatTime(telegram.time), FormatAddress(telegram.source),
+                   FormatAddress(telegram.destination), DeviceStack::NameOf(telegram.service),
+                   event.object ? event.object->name : "-", event.object ? Notation::FormatDpt(event.object->dpt) : "-",
+                   OctetsOf(telegram))
+          << (isRefused ? m_paint(Colour::Bad, ValueCell(event)) : ValueCell(event)) << '\n';
     return;
   }
   Notation::Json json = DescribeTelegram(telegram);

@@ -1,6 +1,7 @@
 // Datapoint types as people write them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -16,8 +17,9 @@ struct Dpt {
 };
 
 /// Reads "9.001", "9.1", "DPST-9-1", or for a whole main type (sub number 0) "9", "9.x", "DPT-9".
-/// @return  false, with what was expected in @p error.
-bool ParseDpt(std::string_view text, Dpt& dpt, std::string& error);
+/// @param fault  where given, takes the first octet that cannot belong to a datapoint type.
+/// @return       false, with what was expected in @p error.
+bool ParseDpt(std::string_view text, Dpt& dpt, std::string& error, std::size_t* fault = nullptr);
 
 /// "9.001": a sub number of at least three digits.
 std::string FormatDpt(const Dpt& dpt);

@@ -3,6 +3,7 @@
 
 #include <KnxStackApi/BinaryData.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -11,8 +12,9 @@
 namespace Notation {
 
 /// Reads octets: two hex digits each, with or without blanks between octets, and with 0x before the first.
-/// @return  false: the text is no octets, or none.
-bool ParseOctets(std::string_view text, std::vector<std::uint8_t>& octets);
+/// @param fault  where given, takes the first octet of @p text that cannot belong to them.
+/// @return       false: the text is no octets, or none.
+bool ParseOctets(std::string_view text, std::vector<std::uint8_t>& octets, std::size_t* fault = nullptr);
 
 /// Octets as upper-case hex without blanks.
 std::string Hex(const KnxStack::BinaryData& octets);

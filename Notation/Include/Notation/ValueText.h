@@ -19,6 +19,10 @@ using Json = nlohmann::ordered_json;
 /// @return  false: the text is no such value, and @p value is as it was.
 bool ParseValue(std::string_view text, const Dpt& dpt, AroValueType type, AROVALUE& value);
 
+/// The first octet of a text that ParseValue() refuses which cannot belong to a value of the type; 0 when all could,
+/// and only the whole is too large or too long.
+std::size_t FaultIn(std::string_view text, const Dpt& dpt, AroValueType type);
+
 /// What values of @p dpt look like on a road: "a whole number from 0 to 65535".
 std::string Expectation(const Dpt& dpt, Road road);
 

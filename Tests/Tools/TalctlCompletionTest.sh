@@ -1,0 +1,74 @@
+#!/usr/bin/env bash
+# Completion of talctl's command line: what bash gets for words, and what a shell makes of tabs that are typed.
+# Usage: TalctlCompletionTest.sh COMPLETION [EMULATOR...] TALCTL
+set -uo pipefail
+completion=$(readlink -f "$1")
+shift
+dir=$(mktemp -d)
+trap 'rm -rf "$dir"' EXIT
+cd "$dir" || exit 1
+mkdir bin
+printf '#!/bin/sh\nexec %s "$@"\n' "$(printf '%q ' "$@")" >bin/talctl
+chmod +x bin/talctl
+PATH=$PWD/bin:$PATH
+printf '{"name": "x", "address": "1.1.9", "objects": [{"device": 1, "number": 1, "name": "attic: big lamp",
+  "dpt": "1.001", "groupAddress": "1/1/1", "flags": ["read"]}]}' >'my house.json'
+mkdir logs
+failures=0
+
+# expect WHAT ACTUAL EXPECTED
+expect() {
+  [ "$2" = "$3" ] && return
+  printf '%s: got %q, expected %q\n' "$1" "$2" "$3"
+  failures=$((failures + 1))
+}
+
+# Words as bash takes them apart, the last one to be completed; what is offered, or with a star the first of it.
+source "$completion"
+while IFS='>' read -r line expected; do
+  IFS='|' read -ra COMP_WORDS <<<"$line|"
+  COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
+  COMPREPLY=()
+  _talctl
+  [[ $expected != *'*' ]] || { COMPREPLY=("${COMPREPLY[@]:0:1}") expected=${expected%'*'}; }
+  expect "$line" "${COMPREPLY[*]}" "$expected"
+done <<'END'
+talctl|en>encode
+talctl|re>request register
+talctl|>encode*
+talctl|encod|>
+talctl|comp>
+talctl|--js>--json
+talctl|encode|--r>--road
+talctl|encode|--road|>direct map
+talctl|encode|--road|=|m>map
+talctl|encode|--road|=>direct map
+talctl|--log-level|d>debug
+talctl|encode|20>20.x 20.102 20.103
+talctl|dpts|--road|map|4>4.x 4.001 4.002
+talctl|dpts|9.001|9.01>9.010 9.011
+talctl|encode|1.001|o>on off
+talctl|encode|9.001|>
+talctl|encode|--|--r>
+talctl|get|kitchen.l>kitchen.light kitchen.light.status
+talctl|get|10010>100101 100103 100105 100107
+talctl|get|--installation|my\ house.json|>attic:\ big\ lamp
+talctl|get|--installation|"my house.json"|attic|:|\ b>\ big\ lamp
+talctl|get|--installation|/no/such|>
+talctl|set|kitchen.light|t>true
+talctl|set|kitchen.light|on|--f>--format
+talctl|config|l>logs
+talctl|get|--installation|my>my house.json
+talctl|get|--installation|=|lo>logs
+talctl|demo|--l>--lines --log-level
+END
+
+# Typed in a shell, with and without the helpers that complete the rest.
+typed=$'talctl enc\t--road=m\t9.001 -300\ntalctl get --installation my\t att\t\nexit\n'
+shown=$(printf '%s' "$typed" | HOME=$dir TERM=dumb timeout 60 script -qec \
+  "bash --noprofile --rcfile $(printf %q "$completion") -i" /dev/null 2>&1 | tr -d '\r')
+expect 'typed encode' "$(grep -c 'DPT=9.1, f=-300 is out of the allowed range' <<<"$shown")" 1
+expect 'typed get' "$(grep -c "'attic: big lamp' (100101, 1.001) has no value" <<<"$shown")" 1
+[ "$failures" -eq 0 ] || printf '%s\n' "$shown"
+
+[ "$failures" -eq 0 ]
