@@ -90,6 +90,12 @@ journey
 config config.xml
 END
 
+# ---- the manual page ----
+if command -v groff >/dev/null; then
+  "${talctl[@]}" man | groff -man -Tutf8 -ww >page 2>warnings
+  expect 'the manual page' "$(<warnings)$(grep -c 'talctl' page | sed 's/[0-9][0-9]$/many/')" many
+fi
+
 # ---- signals ----
 # start ARGUMENT...: talctl in the background, once it has written its first line; descriptor 5 is its input.
 start() {

@@ -14,6 +14,7 @@
 #include <sstream>
 #include <thread>
 
+#include "Suggestion.h"
 #include "Support/TempFile.h"
 
 namespace Talctl {
@@ -264,12 +265,52 @@ TEST(Talctl, TellsWrongUseFromRefusal) {
   }
 }
 
+TEST(Talctl, PointsAtWhatIsWrongAndSuggestsWhatIsNear) {
+  const std::string pad(50, 'a');
+  // clang-format off
+  const std::pair<std::string, std::string> cases[] = {
+      {"encode|9.01x|1", "; did you mean '9.001'?\n  encode 9.01x 1\n             ^\n"},
+      {"dpts|\u706F\t\u00E9|9x", "\n  dpts '\u706F\\t\u00E9' 9x\n                ^\n"},
+      {"decode|9.001|0C|1G", "\n  decode 9.001 0C 1G\n                   ^\n"},
+      {"decode|9.001|0C1", "\n  decode 9.001 0C1\n                  ^\n"},
+      {"decode|18.002|05", "\n  decode 18.002 05\n         ^\n"},
+      {"encode|--road=map|9.001|-300", "\n  encode --road=map 9.001 -300\n                          ^\n"},
+      {"encode|10.001|Mo 1:2:3", "\n  encode 10.001 'Mo 1:2:3'\n                   ^\n"},
+      {"encode|232.600|#12345G", "\n  encode 232.600 '#12345G'\n                        ^\n"},
+      {"encode|14.056|1.5e3,0", "\n  encode 14.056 1.5e3,0\n                     ^\n"},
+      {"encode|14.056|1e999", "\n  encode 14.056 1e999\n                ^\n"},
+      {"encode|5.001|" + pad + pad, "\n  encode 5.001 " + pad + std::string(13, 'a') + "...\n               ^\n"},
+      {"register|" + pad + "|" + pad + "|-x|--jsn", "'--json'?\n  ..." + std::string(46, 'a') + " -x --jsn\n" + std::string(55, ' ') + "^\n"},
+      {"decode|1.001|01|--bits=3x", "\n  decode 1.001 01 --bits=3x\n                          ^\n"},
+      {"id|--device|1|--parameter|ip:1x", "\n  id --device 1 --parameter ip:1x\n                                ^\n"},
+      {"get|x|--timeout|5m", "\n  get x --timeout 5m\n                   ^\n"},
+      {"encode|9.1|1|--road|mop", "'mop' is none of direct, map; did you mean 'map'?\n  encode 9.1 1 --road mop\n                      ^\n"},
+      {"Decod", "; did you mean 'decode'?\n  Decod\n  ^\n"}, {"zzz", "config\n  zzz\n  ^\n"},
+      {"get|KITCHEN.lihgt", "; did you mean 'kitchen.light'?\n  get KITCHEN.lihgt\n      ^\n"},
+      {"encode|9,O01|1", "; did you mean '9.001'?\n  encode 9,O01 1\n          ^\n"},
+      {"dpts|233.600", "; did you mean '232.600'?\n  dpts 233.600\n       ^\n"}};
+  // clang-format on
+  for (const auto& [arguments, end] : cases) EXPECT_THAT(RunWith(arguments).err, HasSubstr(end)) << arguments;
+}
+
+TEST(Talctl, CountsEdits) {
+  const auto far = [](const char* a, const char* b, std::size_t bound) { return EditDistance(a, b, bound); };
+  EXPECT_EQ(far("kitten", "sitting", 5), 3u);
+  EXPECT_EQ(far("ab", "BA", 5), 1u);
+  EXPECT_EQ(far("k\u00FCche", "K\u00DC\u20AChe", 5), 1u);
+  EXPECT_EQ(far("", "abc", 5), 3u);
+  EXPECT_EQ(far("kitten", "sitting", 2), 3u);
+  EXPECT_EQ(far("abcdefgh", "ijklmnop", 2), 3u);
+}
+
 TEST(Talctl, HelpsEverywhere) {
+  const std::string manual = RunWith("man").out;
   for (const std::string command : {"encode", "decode", "check", "dpts", "id", "demo"}) {
     const Outcome outcome = RunWith(command + "|--help");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.out, HasSubstr("Usage: talctl " + command + " [OPTIONS]"));
     EXPECT_THAT(outcome.out, HasSubstr("\nExamples:\n  talctl " + command));
+    EXPECT_THAT(manual, HasSubstr("\n.SS " + command + "\n"));
     EXPECT_THAT(RunWith(command + "|--version").out, testing::MatchesRegex("talctl [0-9]+\\.[0-9]+\\.[0-9]+\n"));
   }
 }
