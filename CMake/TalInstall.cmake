@@ -3,7 +3,7 @@
 #
 # Headers get a folder of their own: names like Notation/ are too common for one that all libraries share.
 option(TAL_INSTALL "Make install rules" ${PROJECT_IS_TOP_LEVEL})
-set(CMAKE_INSTALL_DOCDIR share/doc/talobjectmodel CACHE PATH "Where documents go")
+set(CMAKE_INSTALL_DOCDIR share/doc/talobjectmodel CACHE STRING "Where documents go")
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 set(tal_install_include ${CMAKE_INSTALL_INCLUDEDIR}/talobjectmodel)

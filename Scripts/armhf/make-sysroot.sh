@@ -41,6 +41,8 @@ for package in "$work"/cache/archives/*.deb; do
   dpkg-deb --fsys-tarfile "$package" | tar -x -C "$target.new" --keep-directory-symlink --no-same-owner \
     --exclude='./etc' --exclude='./var' --exclude='./bin' --exclude='./sbin' --exclude='./usr/bin' \
     --exclude='./usr/sbin' --exclude='./usr/share/doc' --exclude='./usr/share/man' --exclude='./usr/share/locale'
+  # Which package has which library: a package made here takes its dependencies from it.
+  dpkg-deb --ctrl-tarfile "$package" | tar -xO ./shlibs 2>/dev/null >>"$target.new/shlibs.local" || true
 done
 cd "$target.new"
 find . -type l -lname '/*' | while read -r link; do  # absolute links would leave the folder
