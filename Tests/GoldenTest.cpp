@@ -19,21 +19,14 @@ namespace {
 using KnxStack::GroupValue;
 using namespace Tal::KnxZelMapping;
 
-/// FNV-1a of all that it is given, for what would fill pages.
-class Digest {
- public:
-  void Add(const std::string& text) {
-    for (const char c : text + '\n') m_hash = (m_hash ^ static_cast<unsigned char>(c)) * 0x100000001B3u;
-  }
-  std::string Text() const {
-    char text[20];
-    std::snprintf(text, sizeof text, "%016llX", static_cast<unsigned long long>(m_hash));
-    return text;
-  }
-
- private:
-  std::uint64_t m_hash = 0xCBF29CE484222325u;
-};
+/// FNV-1a of lines that would fill pages.
+std::string Digest(const std::string& lines) {
+  std::uint64_t hash = 0xCBF29CE484222325u;
+  for (const char c : lines) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3u;
+  char text[20];
+  std::snprintf(text, sizeof text, "%016llX", static_cast<unsigned long long>(hash));
+  return text;
+}
 
 std::string Shown(const AROVALUE& value) {
   std::string text;
@@ -54,21 +47,21 @@ std::string Travelled(const KNXDPT& dpt, const GroupValue& groupValue) {
 /// All words that begin with an octet.
 std::string Words(const KNXDPT& dpt, unsigned high) {
   const ScopedLogCapture quiet(Tal::LogLevel::Fatal);
-  Digest digest;
+  std::string lines;
   for (unsigned low = 0; low < 256; ++low) {
-    digest.Add(Travelled(dpt, GroupValue({static_cast<std::uint8_t>(high), static_cast<std::uint8_t>(low)}, 16)));
+    lines += Travelled(dpt, GroupValue({static_cast<std::uint8_t>(high), static_cast<std::uint8_t>(low)}, 16)) + '\n';
   }
-  return digest.Text();
+  return Digest(lines);
 }
 
 /// All octets, in 8 bits and in 6, with their records.
 std::string OctetsAndRecords(const KNXDPT& dpt, ScopedLogCapture& log) {
-  Digest digest;
+  std::string lines;
   for (unsigned octet = 0; octet < 512; ++octet) {
-    digest.Add(Travelled(dpt, GroupValue({static_cast<std::uint8_t>(octet)}, octet < 256 ? 8 : 6)));
-    for (const std::string& line : log.Take()) digest.Add(line);
+    lines += Travelled(dpt, GroupValue({static_cast<std::uint8_t>(octet)}, octet < 256 ? 8 : 6)) + '\n';
+    for (const std::string& line : log.Take()) lines += line + '\n';
   }
-  return digest.Text();
+  return Digest(lines);
 }
 
 std::string Serialised(int type) {
@@ -85,15 +78,15 @@ std::string Floats(unsigned block) {
   constexpr unsigned kBlock = 4096;
   std::mt19937_64 random(1);
   random.discard(kBlock * block);
-  Digest digest;
+  std::string lines;
   for (unsigned i = 0; i < kBlock; ++i) {
     AROVALUE value = Typed(avtFloat);
     value.SetPayload(random());
     AROVALUE again;
     EXPECT_TRUE(again.Deserialize(Shown(value)));
-    digest.Add(Shown(value) + ' ' + Shown(again));
+    lines += Shown(value) + ' ' + Shown(again) + '\n';
   }
-  return digest.Text();
+  return Digest(lines);
 }
 
 /// Ten thousand identifiers.
@@ -101,7 +94,7 @@ std::string Identifiers(ObjectId first) {
   const auto number = [](const auto& optional) {
     return optional ? std::to_string(static_cast<unsigned>(*optional)) : "-";
   };
-  Digest digest;
+  std::string lines;
   for (ObjectId id = first; id < first + 10000; ++id) {
     std::string text = std::to_string(IsCoChannel(id)) + std::to_string(IsCoValue(id)) +
                        std::to_string(IsParameterChannel(id)) + ' ' + number(GetCoValueObjModelId(id)) + ' ' +
@@ -110,9 +103,9 @@ std::string Identifiers(ObjectId first) {
       text += ' ' + number(GetCoNumberFromObjModelId(id, dev)) + ' ' + number(GetParameterTypeFromObjModelId(id, dev)) +
               ' ' + number(GetParameterNumberFromObjModelId(id, dev));
     }
-    digest.Add(text);
+    lines += text + '\n';
   }
-  return digest.Text();
+  return Digest(lines);
 }
 
 /// What stands behind the colon of a name's first row: "9.1 0.005", "19.1 7B 01 01 EC 1E 0F 20 00", "floats 3", ...

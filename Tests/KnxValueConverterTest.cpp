@@ -21,19 +21,13 @@ using Tal::KnxValueConverter;
 AroValueType Type(int number) { return static_cast<AroValueType>(number); }
 
 /// Throws what it is told to.
-class ThrowingCodec final : public Tal::KnxConverter {
- public:
-  explicit ThrowingCodec(bool known) : m_known(known) {}
+struct ThrowingCodec final : Tal::KnxConverter {
+  explicit ThrowingCodec(bool k) : known(k) {}
   bool ToKnxValue(const KNXDPT&, const AROVALUE&, GroupValue&) override { Throw(); }
   bool FromKnxValue(const KNXDPT&, const GroupValue&, AROVALUE&) override { Throw(); }
   std::unique_ptr<KnxConverter> Clone() const override { return std::make_unique<ThrowingCodec>(*this); }
-
- private:
-  [[noreturn]] void Throw() {
-    if (m_known) throw std::runtime_error("codec");
-    throw 1;
-  }
-  bool m_known;
+  [[noreturn]] void Throw() const { known ? throw std::runtime_error("codec") : throw 1; }
+  bool known;
 };
 
 class Converter : public testing::Test {

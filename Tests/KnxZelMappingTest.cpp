@@ -117,18 +117,14 @@ TEST(ObjectIds, OfParametersGoThereAndBackInTheirLowEightBits) {
   EXPECT_FALSE(GetParameterChannelObjModelId(1, kFirst, kUnknownType));
 }
 
-// clang-format off
+/// Which: Docs/Roads.md tells, and is compared with GetAvtFromDpt().
 TEST(MainTypes, DemandTheirValueTypes) {
-  const std::pair<AroValueType, std::vector<unsigned>> cases[] = {
-      {avtByte, {6, 25, 31}}, {avtDayTime, {10}}, {avtWord, {200, 201, 202}}, {avtString, {24, 28}}, {avtDWord, {30}},
-      {avtEmpty, {4, 29, 219, 222, 229, 230, 0, 32, 100, 203, 216, 218, 220, 231, 233, 236, 239, 65535}}};
-  // clang-format on
-  for (const auto& [type, mains] : cases) {
-    for (const unsigned main : mains) {
-      EXPECT_EQ(GetAvtFromDpt(main << 16 | 0xFFFF), type) << main;
-      EXPECT_EQ(GetAvtFromMainType(main), AROVALUE::GetNameFromValueType(type)) << main;
-    }
+  for (unsigned main = 0; main <= 300; ++main) {
+    const AroValueType type = GetAvtFromDpt(main << 16 | 0xFFFF);
+    EXPECT_EQ(type, GetAvtFromDpt(main << 16));
+    EXPECT_EQ(GetAvtFromMainType(main), AROVALUE::GetNameFromValueType(type)) << main;
   }
+  EXPECT_EQ(GetAvtFromDpt(0xFFFFFFFF), avtEmpty);
   EXPECT_EQ(GetAvtFromMainType(std::numeric_limits<unsigned long>::max()), "Empty");
   const std::pair<unsigned, const char*> subTypes[] = {{1, "Switch"}, {9, "Generic"}, {100, "Generic"}};
   for (const auto& [main, name] : subTypes) EXPECT_EQ(GetAstFromMainType(main), name) << main;

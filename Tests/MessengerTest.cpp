@@ -355,28 +355,24 @@ TEST(Messenger, LetsWhatAPredicateThrowsOutAndLeavesNothingBehind) {
 }
 
 TEST(Messenger, GivesEveryCallerItsOwnAnswer) {
-  constexpr int kCallers = 32;
+  constexpr std::size_t kCallers = 32;
   for (const bool backwards : {false, true}) {
-    std::vector<std::string> calls;
+    std::vector<std::string> ids;  // the calls
     const auto answerAll = [&](Handler& handler) {
-      if (backwards) std::reverse(calls.begin(), calls.end());
-      for (const std::string& call : calls) Respond(call, "reply to " + call)(handler);
+      if (backwards) std::reverse(ids.begin(), ids.end());
+      for (const std::string& id : ids) Respond(id, "reply to " + id)(handler);
     };
     Rig rig([&](const std::string& call) {
-      calls.push_back(call);
-      return Step{call, calls.size() == kCallers ? ScriptedClient::Action(answerAll) : nullptr};
+      ids.push_back(call);
+      return Step{call, ids.size() == kCallers ? ScriptedClient::Action(answerAll) : nullptr};
     });
-    std::vector<std::string> replies(kCallers);
     std::vector<std::thread> callers;
     for (std::size_t i = 0; i < kCallers; ++i) {
-      callers.emplace_back([&, i] { replies[i] = rig.messenger.GetValue(i, false).ReadReply(); });
+      callers.emplace_back([&rig, i, expected = "reply to GetValue " + std::to_string(i) + " false"] {
+        EXPECT_EQ(rig.messenger.GetValue(i, false).ReadReply(), expected);
+      });
     }
     for (std::thread& caller : callers) caller.join();
-    for (std::size_t i = 0; i < kCallers; ++i) {
-      EXPECT_EQ(replies[i], "reply to GetValue " + std::to_string(i) + " false");
-    }
-    const std::vector<std::string> ids = calls;
-    calls.resize(2 * kCallers);  // what follows is not answered
     for (const std::string& id : ids) rig.ExpectNoDocket(id);
   }
 }

@@ -39,9 +39,7 @@ TEST(SlowConversions, TimesOfDayAreReadWhereTheyAreValidAndWrittenBack) {
     ASSERT_EQ(direct.has_value(), isValid);
     if (!isValid) return;
     EXPECT_EQ(map.time, direct->time);
-    const auto reserved = static_cast<std::uint8_t>(0x3F);
-    const GroupValue expected({a, static_cast<std::uint8_t>(b & reserved), static_cast<std::uint8_t>(c & reserved)},
-                              24);
+    const GroupValue expected({a, static_cast<std::uint8_t>(b & 0x3Fu), static_cast<std::uint8_t>(c & 0x3Fu)}, 24);
     EXPECT_EQ(Sent(10, *direct), Wire(expected));
   });
 }

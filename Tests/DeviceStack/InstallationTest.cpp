@@ -26,18 +26,11 @@ std::string House(const std::string& objects) {
 }
 
 TEST(Installation, TravelsThroughItsText) {
-  const std::string text = House(
-      Object(R"({"initial": true})") + ',' +
-      Object(
-          R"({"device": 2, "number": 4095, "name": "K\u00FCche \u263A", "dpt": "DPST-16-1", "groupAddress": "31/7/255",
-                       "flags": ["update", "transmit"], "initial": "a\\n"})") +
-      ',' +
-      Object(R"({"number": 2, "name": "0x1", "dpt": "9", "groupAddress": "0/0/1", "flags": [], "initial": -30})") +
-      ',' + Object(R"({"number": 3, "name": "c", "dpt": "232.600", "initial": "#123456"})"));
-  const Installation house = ParseInstallation(text, "test");
+  const Installation house = ParseInstallation(TalTest::ReadText("DeviceStack.txt", "travelling"), "test");
   ASSERT_EQ(house.objects.size(), 4u);
   EXPECT_EQ(house.objects[0].ValueId(), 100101u);
   EXPECT_EQ(house.objects[1].ChannelId(), 208288u);
+  EXPECT_EQ(house.objects[1].name, "K\u00FCche \u263A");
   EXPECT_EQ(house.objects[1].initial->text, "a\\n");
   EXPECT_EQ(house.objects[2].initial->GetFloat(), -30.0);
   EXPECT_EQ(house.objects[3].initial->GetDWord(), 0x123456u);

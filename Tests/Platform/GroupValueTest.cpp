@@ -1,17 +1,75 @@
+#include <KnxStackApi/Float16.h>
 #include <KnxStackApi/GroupValue.h>
 #include <KnxStackApi/GroupValueException.h>
 #include <KnxStackApi/KnxDpt.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <sstream>
 
+#include "Support/Cases.h"
 #include "Support/Values.h"
 
 namespace KnxStack {
 namespace {
 
 using TalTest::Wire;
+
+/// The definition, written plainly: sign, exponent and mantissa bits of the word.
+double Defined(unsigned word) {
+  const int low = static_cast<int>(word & 0x7FF);
+  const int mantissa = word >= 0x8000 ? low - 2048 : low;
+  return mantissa * std::pow(2.0, (word / 2048) % 16) / 100;
+}
+
+TEST(Float16, DecodesAndNormalisesAll65536Words) {
+  unsigned normalised = 0;
+  for (unsigned word = 0; word <= 0xFFFF; ++word) {
+    const double number = DecodeFloat16(static_cast<std::uint16_t>(word));
+    std::uint16_t again = 0;
+    ASSERT_TRUE(EncodeFloat16(number, again)) << word;
+    if (word == 0x7FFF) {
+      EXPECT_TRUE(std::isnan(number));
+      EXPECT_EQ(again, 0x7FFF);
+      continue;
+    }
+    ASSERT_EQ(number, Defined(word)) << word;
+    ASSERT_EQ(DecodeFloat16(again), number) << word;
+    // No smaller exponent would have done: half the mantissa range is used, or the exponent is 0.
+    const unsigned exponent = (again >> 11) & 0xF;
+    const int mantissa = static_cast<int>(again & 0x7FF) - (again >= 0x8000 ? 2048 : 0);
+    ASSERT_TRUE(exponent == 0 || mantissa > 1023 || mantissa < -1024) << word;
+    normalised += again != word ? 1 : 0;
+  }
+  EXPECT_EQ(normalised, 30720u);
+}
+
+TEST(Float16, EncodesToTheNearestWord) {
+  TalTest::ForEachCase("Values.txt", "two-octet floats", [](const TalTest::Case& c) {
+    std::uint16_t word = 0xAAAA;
+    EXPECT_TRUE(EncodeFloat16(TalTest::Value("3:" + c[0]).GetFloat(), word));
+    EXPECT_EQ(word, std::stoul(c[1], nullptr, 16));
+  });
+}
+
+TEST(Float16, IsNeverFartherFromANumberThanHalfAStep) {
+  for (double number = -671000; number < 670400; number += 17.03) {
+    std::uint16_t word = 0;
+    ASSERT_TRUE(EncodeFloat16(number, word));
+    const double step = std::pow(2.0, (word >> 11) & 0xF) / 100;
+    ASSERT_LE(std::abs(DecodeFloat16(word) - number), step / 2 + 1e-9) << number;
+  }
+}
+
+TEST(Float16, RefusesNumbersBeyondItsRangeAndLeavesTheWord) {
+  for (const double number : {670760.97, -671088.65, 1e300, std::nextafter(kFloat16Max, 1e9),
+                              std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()}) {
+    std::uint16_t word = 0xAAAA;
+    EXPECT_FALSE(EncodeFloat16(number, word)) << number;
+    EXPECT_EQ(word, 0xAAAA);
+  }
+}
 
 TEST(BinaryData, ReadsNumbersAndShorterOnesAtTheEnd) {
   const BinaryData data{0x12, 0x34, 0x56};
@@ -97,25 +155,23 @@ TEST(GroupValue, SettersRefuseWhatTheyCannotRepresentAndLeaveTheValue) {
 }
 
 TEST(GroupValue, GettersMaskShortValuesAndIgnoreSizeAndFurtherOctets) {
-  const GroupValue value({0xFF, 0xFE, 0xFD, 0xFC, 0x00}, 1);
-  EXPECT_TRUE(value.GetAsBoolean());
+  using Getter = std::int64_t (*)(const GroupValue&);
+  // clang-format off
+  const std::pair<Getter, std::int64_t> cases[] = {
+      {[](auto& v) { return std::int64_t{v.GetAsBoolean()}; }, 1}, {[](auto& v) { return std::int64_t{v.GetAsUnsigned2()}; }, 3},
+      {[](auto& v) { return std::int64_t{v.GetAsUnsigned3()}; }, 7}, {[](auto& v) { return std::int64_t{v.GetAsUnsigned4()}; }, 15},
+      {[](auto& v) { return std::int64_t{v.GetAsUnsigned8()}; }, 255}, {[](auto& v) { return std::int64_t{v.GetAsSigned8()}; }, -1},
+      {[](auto& v) { return std::int64_t{v.GetAsUnsigned16()}; }, 0xFFFE}, {[](auto& v) { return std::int64_t{v.GetAsSigned16()}; }, -2},
+      {[](auto& v) { return std::int64_t{v.GetAsUnsigned32()}; }, 0xFFFEFDFC}, {[](auto& v) { return std::int64_t{v.GetAsSigned32()}; }, -66052}};
+  // clang-format on
+  for (const auto& [get, expected] : cases) EXPECT_EQ(get(GroupValue({0xFF, 0xFE, 0xFD, 0xFC, 0x00}, 1)), expected);
   EXPECT_FALSE(GroupValue({0xFE}, 8).GetAsBoolean());
-  EXPECT_EQ(value.GetAsUnsigned2(), 3);
-  EXPECT_EQ(value.GetAsUnsigned3(), 7);
-  EXPECT_EQ(value.GetAsUnsigned4(), 15);
-  EXPECT_EQ(value.GetAsUnsigned8(), 255);
-  EXPECT_EQ(value.GetAsSigned8(), -1);
-  EXPECT_EQ(value.GetAsUnsigned16(), 0xFFFE);
-  EXPECT_EQ(value.GetAsSigned16(), -2);
-  EXPECT_EQ(value.GetAsUnsigned32(), 0xFFFEFDFCu);
-  EXPECT_EQ(value.GetAsSigned32(), -66052);
   EXPECT_EQ(GroupValue({0x3F, 0x80, 0, 0}, 32).GetAsFloat32(), 1.0F);
   EXPECT_EQ(GroupValue({0x0C, 0x1A}, 16).GetAsFloat16(), 21.0);
   EXPECT_TRUE(std::isnan(GroupValue({0x7F, 0xFF}, 16).GetAsFloat16()));
   EXPECT_EQ(GroupValue({'a', 0xE9, 0, 'b'}, 32).GetAsString14(), "a\xE9");
   EXPECT_EQ(GroupValue().GetAsString14(), "");
-  const BinaryData sixteen(reinterpret_cast<const std::uint8_t*>("0123456789abcdef"), 16);
-  EXPECT_EQ(GroupValue(sixteen, 128).GetAsString14(), "0123456789abcd");
+  EXPECT_EQ(TalTest::Octets("30 31 32 33 34 35 36 37 38 39 61 62 63 64 65 66").GetAsString14(), "0123456789abcd");
 }
 
 TEST(GroupValue, GettersOfDatesAndTimesMaskButDoNotJudge) {

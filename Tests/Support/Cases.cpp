@@ -56,6 +56,12 @@ std::vector<Case> ReadCases(const std::string& file, const std::string& section)
   return cases;
 }
 
+std::string ReadText(const std::string& file, const std::string& section) {
+  std::string text;
+  for (const Case& row : ReadCases(file, section)) text += row[0] + '\n';
+  return text;
+}
+
 testing::Matcher<std::string> Is(const std::string& told) {
   if (boost::ends_with(told, "...")) return testing::StartsWith(told.substr(0, told.size() - 3));
   return testing::Eq(told);

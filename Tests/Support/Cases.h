@@ -19,6 +19,9 @@ struct Case {
 /// \t, \\ and \xHH stand for characters, \*3{ab} for ababab.
 std::vector<Case> ReadCases(const std::string& file, const std::string& section);
 
+/// The lines of a section as one text.
+std::string ReadText(const std::string& file, const std::string& section);
+
 /// Calls @p check with every row; failures tell which it was.
 template <class Check>
 void ForEachCase(const std::string& file, const std::string& section, Check check) {
