@@ -53,25 +53,33 @@ class TALOBJECTMODEL_EXPORT AppHostConfiguration {
   /// @return  false after one ERROR record: malformed XML, or a number that is none or does not fit.
   bool LoadAppHostConfigXML(char* text);
 
-  bool IsInAppDebugMode() const;
-  bool IsAppHostStartupDisabled() const;
-  bool IsAppConnectorHostStartupDisabled() const;
-  bool IsAppHostWithoutKNX() const;
-  bool IsAppHostTerminateOnFirmwareUpdate() const;
+  /// A flag as the file, or a setter, left it.
+  /// @{
+  bool IsInAppDebugMode() const;                    ///< Debugging/Active
+  bool IsAppHostStartupDisabled() const;            ///< Debugging/AppHost/DisableStartup
+  bool IsAppConnectorHostStartupDisabled() const;   ///< Debugging/AppConnectorHost/DisableStartup, or the one above
+  bool IsAppHostWithoutKNX() const;                 ///< WithoutKNX
+  bool IsAppHostTerminateOnFirmwareUpdate() const;  ///< TerminateOnFirmwareUpdate
+  /// @}
 
+  /// Changes what IsInAppDebugMode() tells.
   void SetAppDebugMode(bool isOn);
-  /// @return  the previous value.
+  /// The same. @return  the previous value.
   bool ReplaceAppDebugMode(bool isOn);
+  /// Changes what IsAppHostStartupDisabled() tells, and nothing of the app connector host.
   void SetAppHostStartupDisabled(bool isDisabled);
-  /// @return  the previous value.
+  /// Changes what IsAppConnectorHostStartupDisabled() tells. @return  the previous value.
   bool SetAppConnectorHostStartupDisabled(bool isDisabled);
 
-  const boost::optional<std::string>& GetRootPathNativeApp() const;
-  const boost::optional<std::string>& GetRootPathManagedApp() const;
-  const boost::optional<std::string>& GetRootPathAppHost() const;
-  const boost::optional<std::string>& GetRootPathAppConnectorHost() const;
-  const boost::optional<std::string>& GetPathObjectModelConfig() const;
-  /// In the order of the file; loading again appends.
+  /// A path as it stands in the file; nothing when no file that was loaded named one.
+  /// @{
+  const boost::optional<std::string>& GetRootPathNativeApp() const;         ///< Debugging/App/RootPath
+  const boost::optional<std::string>& GetRootPathManagedApp() const;        ///< Debugging/ManagedApp/RootPath
+  const boost::optional<std::string>& GetRootPathAppHost() const;           ///< Debugging/AppHost/RootPath
+  const boost::optional<std::string>& GetRootPathAppConnectorHost() const;  ///< Debugging/AppConnectorHost/RootPath
+  const boost::optional<std::string>& GetPathObjectModelConfig() const;     ///< ObjectModelConfig/Path
+  /// @}
+  /// Identifiers of ZelConfig/ResponseDps in the order of the file; loading again appends.
   const std::vector<unsigned long>& GetResponseDataPoints() const;
 
   /// A setting as tools show it.

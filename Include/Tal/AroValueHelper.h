@@ -31,6 +31,7 @@ constexpr bool kIsAroPayload =
 template <class T, class = std::enable_if_t<kIsAroPayload<T>>>
 TALOBJECTMODEL_EXPORT AROVALUE ToAroValue(const T& value, AroValueType expectedType);
 
+/// @cond  the same, for the linker
 extern template TALOBJECTMODEL_EXPORT AROVALUE ToAroValue<int>(const int&, AroValueType);
 extern template TALOBJECTMODEL_EXPORT AROVALUE ToAroValue<unsigned int>(const unsigned int&, AroValueType);
 extern template TALOBJECTMODEL_EXPORT AROVALUE ToAroValue<double>(const double&, AroValueType);
@@ -40,13 +41,16 @@ extern template TALOBJECTMODEL_EXPORT AROVALUE ToAroValue<unsigned char>(const u
 extern template TALOBJECTMODEL_EXPORT AROVALUE ToAroValue<bool>(const bool&, AroValueType);
 extern template TALOBJECTMODEL_EXPORT AROVALUE ToAroValue<float>(const float&, AroValueType);
 extern template TALOBJECTMODEL_EXPORT AROVALUE ToAroValue<std::string>(const std::string&, AroValueType);
+/// @endcond
 
 /// Text that is known to be UTF-8, as avtString. Chosen for text unless the template is named explicitly
 /// (ToAroValue<std::string>), which repairs broken text instead. Assertions: the text is valid UTF-8, then as above.
 TALOBJECTMODEL_EXPORT AROVALUE ToAroValue(const std::string& value, AroValueType expectedType);
+/// The same for the text that a view shows.
 inline AROVALUE ToAroValue(std::string_view value, AroValueType expectedType) {
   return ToAroValue(std::string(value), expectedType);
 }
+/// The same for zero-terminated text, which must not be null.
 inline AROVALUE ToAroValue(const char* value, AroValueType expectedType) {
   return ToAroValue(std::string(value), expectedType);
 }

@@ -10,8 +10,8 @@ template <class Int, Int Min, Int Max, class Tag>
 class BoundedInt {
  public:
   static_assert(Min <= Max, "an empty range has no numbers");
-  static constexpr Int kMin = Min;
-  static constexpr Int kMax = Max;
+  static constexpr Int kMin = Min;  ///< the smallest number
+  static constexpr Int kMax = Max;  ///< the largest number
 
   /// A number known at compile time, which is checked there.
   template <Int Number>
@@ -26,9 +26,12 @@ class BoundedInt {
     return BoundedInt(number);
   }
 
+  /// The number, from kMin to kMax.
   constexpr Int Get() const noexcept { return m_number; }
 
+  /// Same number.
   friend constexpr bool operator==(BoundedInt a, BoundedInt b) noexcept { return a.m_number == b.m_number; }
+  /// Another number.
   friend constexpr bool operator!=(BoundedInt a, BoundedInt b) noexcept { return !(a == b); }
 
  private:

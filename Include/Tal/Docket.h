@@ -13,11 +13,18 @@ class TALOBJECTMODEL_EXPORT Docket {
  public:
   /// Not answered, nothing in it.
   Docket();
+  /// @param reply          the text of the answer
+  /// @param deliveryError  the service's description of an error
+  /// @param isReplyValid   the answer carried no error
+  /// @param isAnswered     there was an answer
   Docket(std::string reply, std::string deliveryError, bool isReplyValid, bool isAnswered);
+  /// A copy of all four.
   Docket(const Docket& other);
+  /// A copy of all four.
   Docket& operator=(const Docket& other);
   ~Docket();
 
+  /// Replaces all four; parameters as of the constructor.
   void SetContent(std::string reply, std::string deliveryError, bool isReplyValid, bool isAnswered);
 
   /// True when the answer carried no error.

@@ -31,10 +31,10 @@ namespace Tal {
 ///     messenger.UnsetAsResponseHandler();
 class TALOBJECTMODEL_EXPORT DscAsyncRequestMessenger : public Vanta::IDeviceStackClient::IResponseHandler {
  public:
-  using AROOBJECTID = Vanta::IDeviceStackClient::AROOBJECTID;
-  using IError = Vanta::IDeviceStackClient::IError;
-  using PropertyType = Vanta::IDeviceStackClient::PropertyType;
-  using Property = Vanta::IDeviceStackClient::Property;
+  using AROOBJECTID = Vanta::IDeviceStackClient::AROOBJECTID;    ///< object-model identifier
+  using IError = Vanta::IDeviceStackClient::IError;              ///< the error part of an answer
+  using PropertyType = Vanta::IDeviceStackClient::PropertyType;  ///< what of an object is configured
+  using Property = Vanta::IDeviceStackClient::Property;          ///< a property's value as text
 
   /// @param messenger  must outlive this object.
   /// @param timeout    how long to wait where an operation says zero; infinite: as long as it takes.
@@ -44,17 +44,28 @@ class TALOBJECTMODEL_EXPORT DscAsyncRequestMessenger : public Vanta::IDeviceStac
   DscAsyncRequestMessenger(const DscAsyncRequestMessenger&) = delete;
   DscAsyncRequestMessenger& operator=(const DscAsyncRequestMessenger&) = delete;
 
+  /// Receives the service's answers from now on. Before, no request is answered.
   void SetAsResponseHandler();
+  /// Receives no answers any more; what Vanta::IDeviceStackClient::SetResponseHandler() promises of the end holds.
   void UnsetAsResponseHandler();
 
-  /// @return success.
+  /// Chooses the format of values "Native". @return success.
   bool EnableNativeFormat();
 
+  /// Registers the application that the three texts identify, and waits. Takes up to time-out x attempts.
   Docket RegisterApplication(const std::string& first, const std::string& second, const std::string& third);
+  /// Sets the value of object @p id, and waits; the reply is the value as the service tells it. @p flag goes to the
+  /// service as it is. An identifier of more than 32 bits is never accepted.
   Docket SetValue(unsigned long id, const AROVALUE& value, bool flag);
+  /// Reads the value of object @p id, and waits; the reply is serialised text (AROVALUE::Deserialize()).
   Docket GetValue(unsigned long id, bool flag);
+  /// Sends a free-form request, and waits; the reply is the response.
+  /// @param request  what the service understands.
   /// @param timeout  zero: the default; infinite: as long as it takes.
   Docket Request(const std::string& request, boost::posix_time::time_duration timeout);
+  /// Replaces the service's configuration, and waits.
+  /// @param configuration    what the service understands.
+  /// @param timeout          as of Request().
   /// @param isStillRelevant  asked before waiting, after each wake-up and once after the wait, with the mutex held.
   ///                         False ends the request with an empty docket. Nobody polls: a change is noticed at the
   ///                         next answer to anybody, or at the time-out. What it throws reaches the caller.
@@ -64,12 +75,17 @@ class TALOBJECTMODEL_EXPORT DscAsyncRequestMessenger : public Vanta::IDeviceStac
   /// Sends a value once and does not wait. @return true when the service accepted the request.
   bool SetValueAndIgnoreResponse(unsigned long id, const AROVALUE& value, bool flag);
 
-  /// These take no lock and do not wait. The docket is answered, and valid when the call succeeded.
+  /// Configures object @p id. Takes no lock and does not wait. The docket is answered, and valid when the call
+  /// succeeded.
   Docket SetConfiguration(unsigned long id, std::map<PropertyType, Property> properties);
+  /// Reads the device's configuration. Takes no lock and does not wait. @return success.
   bool GetDeviceConfig(std::string& config, bool flag);
+  /// Changes entries of the device's configuration. Takes no lock and does not wait. @return success.
   bool SetDeviceConfig(std::map<std::string, std::string> entries);
 
-  // The client's answers. The first argument is not looked at.
+  /// An answer from the client, which calls this on its own thread. The first argument is not looked at. An error
+  /// leaves one ERROR record; an answer to an id that nobody waits for is dropped.
+  /// @{
   void OnResponse(void* context, const std::string& requestId, const std::string& response,
                   const IError& error) override;
   void OnRegisterApplication(void* context, const std::string& requestId, const IError& error) override;
@@ -80,6 +96,8 @@ class TALOBJECTMODEL_EXPORT DscAsyncRequestMessenger : public Vanta::IDeviceStac
                   const std::string& value, const IError& error) override;
   void OnSetValue(void* context, const std::string& requestId, AROOBJECTID id, const std::string& urn,
                   const std::string& value, const IError& error) override;
+  /// @}
+  /// UnsetAsResponseHandler() must have returned, and no request may wait.
   ~DscAsyncRequestMessenger() override;
 
  private:

@@ -17,19 +17,23 @@ class function;
 template <class Result, class... Arguments>
 class function<Result(Arguments...)> {
  public:
+  /// Empty: not to be called.
   function() noexcept = default;
 
+  /// Holds a copy of @p callable, or what it was moved from; anything that takes the arguments and gives the result.
   template <class Callable,
             class = std::enable_if_t<!std::is_same_v<std::decay_t<Callable>, function> &&
                                      std::is_invocable_r_v<Result, std::decay_t<Callable>&, Arguments...>>>
   function(Callable&& callable)
       : m_storage(std::make_shared<Storage<std::decay_t<Callable>>>(std::forward<Callable>(callable))) {}
 
+  /// Calls it.
   Result operator()(Arguments... arguments) const {
     TAL_ASSERT2_AT(m_storage, __func__, "Include/Tal/Function", TAL_LINE_TEXT(__LINE__));
     return (*m_storage)(std::forward<Arguments>(arguments)...);
   }
 
+  /// False for an empty one.
   explicit operator bool() const noexcept { return m_storage != nullptr; }
 
  private:

@@ -23,15 +23,20 @@ namespace Tal {
 class KnxConverter {
  public:
   virtual ~KnxConverter() = default;
+  /// Encodes @p value as datapoint type @p dpt, whose size plays no part but in KnxConverterDefault.
   virtual bool ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, KnxStack::GroupValue& groupValue) = 0;
+  /// Decodes @p groupValue as datapoint type @p dpt; its octets count, its size in bits only for
+  /// KnxConverterDefault.
   virtual bool FromKnxValue(const KNXDPT& dpt, const KnxStack::GroupValue& groupValue, AROVALUE& value) = 0;
   /// A copy of this object, range included.
   virtual std::unique_ptr<KnxConverter> Clone() const = 0;
 
  protected:
+  /// @cond  for codecs alone
   KnxConverter() = default;
   KnxConverter(const KnxConverter&) = default;
   KnxConverter& operator=(const KnxConverter&) = default;
+  /// @endcond
 };
 
 /// Any datapoint type without a codec of its own: the value's raw octets (AroValueBytes.h), up to 24. Booleans are
@@ -63,11 +68,13 @@ class KnxConverter2Bit final : public KnxConverter {
 /// 3.x, a dimming or blind step 0 to 15 (avtByte).
 class KnxConverter4Bit final : public KnxConverter {
  public:
+  /// @param range  what Range() gives; kept as a copy.
   explicit KnxConverter4Bit(const FloatIntegerRange& range) : m_range(range) {}
   bool ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, KnxStack::GroupValue& groupValue) override;
   /// Leaves the caller's value type.
   bool FromKnxValue(const KNXDPT& dpt, const KnxStack::GroupValue& groupValue, AROVALUE& value) override;
   std::unique_ptr<KnxConverter> Clone() const override { return std::make_unique<KnxConverter4Bit>(*this); }
+  /// The range that it was made with.
   const FloatIntegerRange& Range() const noexcept { return m_range; }
 
  private:
@@ -77,10 +84,12 @@ class KnxConverter4Bit final : public KnxConverter {
 /// 4.x, the first character of a text (avtString): 4.001 ASCII, others ISO 8859-1.
 class KnxConverter8BitString final : public KnxConverter {
  public:
+  /// @param range  what Range() gives; kept as a copy.
   explicit KnxConverter8BitString(const IntegerRange& range) : m_range(range) {}
   bool ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, KnxStack::GroupValue& groupValue) override;
   bool FromKnxValue(const KNXDPT& dpt, const KnxStack::GroupValue& groupValue, AROVALUE& value) override;
   std::unique_ptr<KnxConverter> Clone() const override { return std::make_unique<KnxConverter8BitString>(*this); }
+  /// The range that it was made with.
   const IntegerRange& Range() const noexcept { return m_range; }
 
  private:
@@ -91,10 +100,12 @@ class KnxConverter8BitString final : public KnxConverter {
 /// writing 5.006.
 class KnxConverterByte8BitUnsigned final : public KnxConverter {
  public:
+  /// @param range  what Range() gives; kept as a copy.
   explicit KnxConverterByte8BitUnsigned(const IntegerRange& range) : m_range(range) {}
   bool ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, KnxStack::GroupValue& groupValue) override;
   bool FromKnxValue(const KNXDPT& dpt, const KnxStack::GroupValue& groupValue, AROVALUE& value) override;
   std::unique_ptr<KnxConverter> Clone() const override { return std::make_unique<KnxConverterByte8BitUnsigned>(*this); }
+  /// The range that it was made with.
   const IntegerRange& Range() const noexcept { return m_range; }
 
  private:
@@ -104,12 +115,14 @@ class KnxConverterByte8BitUnsigned final : public KnxConverter {
 /// 6.x, a signed octet (avtInteger): the low eight bits are sent; reading never fails.
 class KnxConverterInteger8BitSigned final : public KnxConverter {
  public:
+  /// @param range  what Range() gives; kept as a copy.
   explicit KnxConverterInteger8BitSigned(const IntegerRange& range) : m_range(range) {}
   bool ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, KnxStack::GroupValue& groupValue) override;
   bool FromKnxValue(const KNXDPT& dpt, const KnxStack::GroupValue& groupValue, AROVALUE& value) override;
   std::unique_ptr<KnxConverter> Clone() const override {
     return std::make_unique<KnxConverterInteger8BitSigned>(*this);
   }
+  /// The range that it was made with.
   const IntegerRange& Range() const noexcept { return m_range; }
 
  private:
@@ -120,10 +133,12 @@ class KnxConverterInteger8BitSigned final : public KnxConverter {
 /// false the group value holds the octet. Accepts what main 6, sub 20 or avtByte alone speaks for.
 class KnxConverterStatus8Bit final : public KnxConverter {
  public:
+  /// @param range  what Range() gives; kept as a copy.
   explicit KnxConverterStatus8Bit(const IntegerRange& range) : m_range(range) {}
   bool ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, KnxStack::GroupValue& groupValue) override;
   bool FromKnxValue(const KNXDPT& dpt, const KnxStack::GroupValue& groupValue, AROVALUE& value) override;
   std::unique_ptr<KnxConverter> Clone() const override { return std::make_unique<KnxConverterStatus8Bit>(*this); }
+  /// The range that it was made with.
   const IntegerRange& Range() const noexcept { return m_range; }
 
  private:
@@ -133,12 +148,14 @@ class KnxConverterStatus8Bit final : public KnxConverter {
 /// 7.x, an unsigned 16-bit number (avtWord): the low 16 bits of any value are sent.
 class KnxConverterInteger16BitUnsigned final : public KnxConverter {
  public:
+  /// @param range  what Range() gives; kept as a copy.
   explicit KnxConverterInteger16BitUnsigned(const IntegerRange& range) : m_range(range) {}
   bool ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, KnxStack::GroupValue& groupValue) override;
   bool FromKnxValue(const KNXDPT& dpt, const KnxStack::GroupValue& groupValue, AROVALUE& value) override;
   std::unique_ptr<KnxConverter> Clone() const override {
     return std::make_unique<KnxConverterInteger16BitUnsigned>(*this);
   }
+  /// The range that it was made with.
   const IntegerRange& Range() const noexcept { return m_range; }
 
  private:
@@ -148,12 +165,14 @@ class KnxConverterInteger16BitUnsigned final : public KnxConverter {
 /// 8.x, a signed 16-bit number (avtInteger): the low 16 bits of any value are sent.
 class KnxConverterInteger16BitSigned final : public KnxConverter {
  public:
+  /// @param range  what Range() gives; kept as a copy.
   explicit KnxConverterInteger16BitSigned(const IntegerRange& range) : m_range(range) {}
   bool ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, KnxStack::GroupValue& groupValue) override;
   bool FromKnxValue(const KNXDPT& dpt, const KnxStack::GroupValue& groupValue, AROVALUE& value) override;
   std::unique_ptr<KnxConverter> Clone() const override {
     return std::make_unique<KnxConverterInteger16BitSigned>(*this);
   }
+  /// The range that it was made with.
   const IntegerRange& Range() const noexcept { return m_range; }
 
  private:
@@ -164,10 +183,12 @@ class KnxConverterInteger16BitSigned final : public KnxConverter {
 /// 32767; 7F FF is read as type 0. A number out of range stays in the value when reading fails.
 class KnxConverterFloat16BitFloat final : public KnxConverter {
  public:
+  /// @param range  what Range() gives; kept as a copy.
   explicit KnxConverterFloat16BitFloat(const FloatRange& range) : m_range(range) {}
   bool ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, KnxStack::GroupValue& groupValue) override;
   bool FromKnxValue(const KNXDPT& dpt, const KnxStack::GroupValue& groupValue, AROVALUE& value) override;
   std::unique_ptr<KnxConverter> Clone() const override { return std::make_unique<KnxConverterFloat16BitFloat>(*this); }
+  /// The range that it was made with.
   const FloatRange& Range() const noexcept { return m_range; }
 
  private:
@@ -177,10 +198,12 @@ class KnxConverterFloat16BitFloat final : public KnxConverter {
 /// 14.x, IEEE 754 single precision (avtFloat). A value of type 0 is sent as NaN.
 class KnxConverterFloat32BitFloat final : public KnxConverter {
  public:
+  /// @param range  what Range() gives; kept as a copy.
   explicit KnxConverterFloat32BitFloat(const FloatRange& range) : m_range(range) {}
   bool ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, KnxStack::GroupValue& groupValue) override;
   bool FromKnxValue(const KNXDPT& dpt, const KnxStack::GroupValue& groupValue, AROVALUE& value) override;
   std::unique_ptr<KnxConverter> Clone() const override { return std::make_unique<KnxConverterFloat32BitFloat>(*this); }
+  /// The range that it was made with.
   const FloatRange& Range() const noexcept { return m_range; }
 
  private:
@@ -190,12 +213,14 @@ class KnxConverterFloat32BitFloat final : public KnxConverter {
 /// The low 24 bits of the payload, for any main and value type. Leaves the caller's value type.
 class KnxConverterInteger24BitUnsigned final : public KnxConverter {
  public:
+  /// @param range  what Range() gives; kept as a copy.
   explicit KnxConverterInteger24BitUnsigned(const LongIntegerRange& range) : m_range(range) {}
   bool ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, KnxStack::GroupValue& groupValue) override;
   bool FromKnxValue(const KNXDPT& dpt, const KnxStack::GroupValue& groupValue, AROVALUE& value) override;
   std::unique_ptr<KnxConverter> Clone() const override {
     return std::make_unique<KnxConverterInteger24BitUnsigned>(*this);
   }
+  /// The range that it was made with.
   const LongIntegerRange& Range() const noexcept { return m_range; }
 
  private:
@@ -205,12 +230,14 @@ class KnxConverterInteger24BitUnsigned final : public KnxConverter {
 /// 12.x, an unsigned 32-bit number (avtDWord) within the internal range, for any main type.
 class KnxConverterInteger32BitUnsigned final : public KnxConverter {
  public:
+  /// @param range  what Range() gives; kept as a copy.
   explicit KnxConverterInteger32BitUnsigned(const LongIntegerRange& range) : m_range(range) {}
   bool ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, KnxStack::GroupValue& groupValue) override;
   bool FromKnxValue(const KNXDPT& dpt, const KnxStack::GroupValue& groupValue, AROVALUE& value) override;
   std::unique_ptr<KnxConverter> Clone() const override {
     return std::make_unique<KnxConverterInteger32BitUnsigned>(*this);
   }
+  /// The range that it was made with.
   const LongIntegerRange& Range() const noexcept { return m_range; }
 
  private:
@@ -220,12 +247,14 @@ class KnxConverterInteger32BitUnsigned final : public KnxConverter {
 /// 13.x, a signed 32-bit number (avtInteger) within the internal range, scaled to the external range when writing only.
 class KnxConverterInteger32BitSigned final : public KnxConverter {
  public:
+  /// @param range  what Range() gives; kept as a copy.
   explicit KnxConverterInteger32BitSigned(const IntegerRange& range) : m_range(range) {}
   bool ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, KnxStack::GroupValue& groupValue) override;
   bool FromKnxValue(const KNXDPT& dpt, const KnxStack::GroupValue& groupValue, AROVALUE& value) override;
   std::unique_ptr<KnxConverter> Clone() const override {
     return std::make_unique<KnxConverterInteger32BitSigned>(*this);
   }
+  /// The range that it was made with.
   const IntegerRange& Range() const noexcept { return m_range; }
 
  private:
@@ -235,10 +264,12 @@ class KnxConverterInteger32BitSigned final : public KnxConverter {
 /// 16.x, text of 14 characters (avtString, UTF-8): others than those of ISO 8859-1 as "_", longer text is cut.
 class KnxConverter14ByteString final : public KnxConverter {
  public:
+  /// @param range  what Range() gives; kept as a copy.
   explicit KnxConverter14ByteString(const IntegerRange& range) : m_range(range) {}
   bool ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, KnxStack::GroupValue& groupValue) override;
   bool FromKnxValue(const KNXDPT& dpt, const KnxStack::GroupValue& groupValue, AROVALUE& value) override;
   std::unique_ptr<KnxConverter> Clone() const override { return std::make_unique<KnxConverter14ByteString>(*this); }
+  /// The range that it was made with.
   const IntegerRange& Range() const noexcept { return m_range; }
 
  private:
@@ -273,10 +304,12 @@ class KnxConverterDateTime final : public KnxConverter {
 /// at). A number out of range stays in the value when reading fails.
 class KnxConverterSceneNumber final : public KnxConverter {
  public:
+  /// @param range  what Range() gives; kept as a copy.
   explicit KnxConverterSceneNumber(const IntegerRange& range) : m_range(range) {}
   bool ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, KnxStack::GroupValue& groupValue) override;
   bool FromKnxValue(const KNXDPT& dpt, const KnxStack::GroupValue& groupValue, AROVALUE& value) override;
   std::unique_ptr<KnxConverter> Clone() const override { return std::make_unique<KnxConverterSceneNumber>(*this); }
+  /// The range that it was made with.
   const IntegerRange& Range() const noexcept { return m_range; }
 
  private:
@@ -286,10 +319,12 @@ class KnxConverterSceneNumber final : public KnxConverter {
 /// 18.001, a scene number 0 to 63 with a learn bit (0x80) (avtByte). Leaves the caller's value type.
 class KnxConverterSceneControl final : public KnxConverter {
  public:
+  /// @param range  what Range() gives; kept as a copy.
   explicit KnxConverterSceneControl(const IntegerRange& range) : m_range(range) {}
   bool ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, KnxStack::GroupValue& groupValue) override;
   bool FromKnxValue(const KNXDPT& dpt, const KnxStack::GroupValue& groupValue, AROVALUE& value) override;
   std::unique_ptr<KnxConverter> Clone() const override { return std::make_unique<KnxConverterSceneControl>(*this); }
+  /// The range that it was made with.
   const IntegerRange& Range() const noexcept { return m_range; }
 
  private:
@@ -299,10 +334,12 @@ class KnxConverterSceneControl final : public KnxConverter {
 /// 26.001, a scene number 0 to 63 with an inactive bit (0x40) (avtByte). Leaves the caller's value type.
 class KnxConverterSceneInfo final : public KnxConverter {
  public:
+  /// @param range  what Range() gives; kept as a copy.
   explicit KnxConverterSceneInfo(const IntegerRange& range) : m_range(range) {}
   bool ToKnxValue(const KNXDPT& dpt, const AROVALUE& value, KnxStack::GroupValue& groupValue) override;
   bool FromKnxValue(const KNXDPT& dpt, const KnxStack::GroupValue& groupValue, AROVALUE& value) override;
   std::unique_ptr<KnxConverter> Clone() const override { return std::make_unique<KnxConverterSceneInfo>(*this); }
+  /// The range that it was made with.
   const IntegerRange& Range() const noexcept { return m_range; }
 
  private:

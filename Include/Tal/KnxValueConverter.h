@@ -21,12 +21,16 @@ class TALOBJECTMODEL_EXPORT DptValueEntry {
   /// Keeps a clone of @p converter, which may be null.
   DptValueEntry(const KNXDPT& dpt, AroValueType valueType, AroDP::AroValueSubType valueSubType,
                 const KnxConverter* converter);
+  /// With a clone of the codec.
   DptValueEntry(const DptValueEntry& other);
   DptValueEntry& operator=(const DptValueEntry&) = delete;
   virtual ~DptValueEntry();
 
+  /// Main and sub number, and the size in bits.
   const KNXDPT& GetDpt() const noexcept { return m_dpt; }
+  /// The type of its values; avtEmpty: everything is taken for valid.
   AroValueType GetValueType() const noexcept { return m_valueType; }
+  /// What its values stand for.
   AroDP::AroValueSubType GetValueSubType() const noexcept { return m_valueSubType; }
   /// Null when the row has none.
   KnxConverter* GetConverter() const noexcept { return m_converter.get(); }
@@ -41,9 +45,10 @@ class TALOBJECTMODEL_EXPORT DptValueEntry {
 /// The table: main number, then sub number, both ascending; sub number 0 stands for the whole main type.
 class TALOBJECTMODEL_EXPORT DptValueMap {
  public:
-  using SubMap = std::map<std::uint16_t, DptValueEntry>;
-  using MainMap = std::map<std::uint16_t, SubMap>;
+  using SubMap = std::map<std::uint16_t, DptValueEntry>;  ///< rows of a main type by sub number
+  using MainMap = std::map<std::uint16_t, SubMap>;        ///< rows by main number
 
+  /// Without rows.
   DptValueMap();
   virtual ~DptValueMap();
   DptValueMap(const DptValueMap&) = delete;
@@ -64,6 +69,7 @@ class TALOBJECTMODEL_EXPORT DptValueMap {
   /// rows are removed.
   const DptValueEntry& GetEntry(const KNXDPT& dpt) const;
 
+  /// All rows; good until they change.
   const MainMap& Rows() const noexcept;
 
  private:
@@ -129,12 +135,16 @@ class TALOBJECTMODEL_EXPORT KnxValueConverter {
 /// records; threads as there.
 class TALOBJECTMODEL_EXPORT TalKnxValueConverter {
  public:
+  /// Starts without rows, as KnxValueConverter does. Call Init().
   TalKnxValueConverter();
   ~TalKnxValueConverter();
 
+  /// Fills the table with the standard rows.
   void Init();
 
+  /// KnxValueConverter::ToKnxValue().
   bool ToKnxValue(KNXDPT& dpt, const AROVALUE& value, KnxStack::GroupValue& groupValue);
+  /// KnxValueConverter::FromKnxValue().
   bool FromKnxValue(KNXDPT& dpt, const KnxStack::GroupValue& groupValue, AROVALUE& value);
 
   /// Encodes a serialised value. A text that is none counts as a value of type avtEmpty.

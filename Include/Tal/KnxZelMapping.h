@@ -32,29 +32,40 @@ enum class ParameterType : std::uint32_t { Ip = 0, Number = 1, Text = 2 };
 /// Nothing here throws, except that texts need memory. All functions may be called from any thread.
 namespace KnxZelMapping {
 
-using ObjectId = std::uint32_t;
+using ObjectId = std::uint32_t;  ///< object-model identifier
 
 TALOBJECTMODEL_EXPORT bool IsAnyLogicalKnxDeviceId(ObjectId id) noexcept;  ///< id >= 100000
-TALOBJECTMODEL_EXPORT ObjectId GetDeviceObjModelId() noexcept;
-TALOBJECTMODEL_EXPORT ObjectId GetKnxDeviceObjModelId() noexcept;
+TALOBJECTMODEL_EXPORT ObjectId GetDeviceObjModelId() noexcept;             ///< 1000
+TALOBJECTMODEL_EXPORT ObjectId GetKnxDeviceObjModelId() noexcept;          ///< 1000
+/// B
 TALOBJECTMODEL_EXPORT ObjectId GetLogicalKnxDeviceObjModelId(LogicalDeviceId dev) noexcept;
+/// B + 99999
 TALOBJECTMODEL_EXPORT ObjectId GetLastObjModelId(LogicalDeviceId dev) noexcept;
 /// The device that @p id belongs to; nothing below 100000 and from 300000.
 TALOBJECTMODEL_EXPORT boost::optional<LogicalDeviceId> GetLogicalDeviceIdFromObject(ObjectId id) noexcept;
 
+/// An identifier of app host application control: the channel B + 20, or one of its values B + 21 to 24.
+/// @{
 TALOBJECTMODEL_EXPORT ObjectId GetAppHostAppControlChannelObjModelId(LogicalDeviceId dev) noexcept;
 TALOBJECTMODEL_EXPORT ObjectId GetAppHostAppControlStateObjModelId(LogicalDeviceId dev) noexcept;
 TALOBJECTMODEL_EXPORT ObjectId GetAppHostAppControlEventObjModelId(LogicalDeviceId dev) noexcept;
 TALOBJECTMODEL_EXPORT ObjectId GetAppHostAppControlAliveObjModelId(LogicalDeviceId dev) noexcept;
 TALOBJECTMODEL_EXPORT ObjectId GetAppHostAppControlAppDebugObjModelId(LogicalDeviceId dev) noexcept;
+/// @}
+/// True for this value of application control in the logical device @p dev, and for no other identifier.
+/// @{
 TALOBJECTMODEL_EXPORT bool IsAppHostAppControlState(ObjectId id, LogicalDeviceId dev) noexcept;
 TALOBJECTMODEL_EXPORT bool IsAppHostAppControlEvent(ObjectId id, LogicalDeviceId dev) noexcept;
 TALOBJECTMODEL_EXPORT bool IsAppHostAppControlAliveHeartbeat(ObjectId id, LogicalDeviceId dev) noexcept;
 TALOBJECTMODEL_EXPORT bool IsAppHostAppControlAppDebug(ObjectId id, LogicalDeviceId dev) noexcept;
+/// @}
 
 /// Nothing for @p co above 4095. 0 gives an identifier (B + 98), but no communication-object channel.
 TALOBJECTMODEL_EXPORT boost::optional<ObjectId> GetCoChannelObjModelId(unsigned short co, LogicalDeviceId dev) noexcept;
+/// True for an even identifier from 100000 up whose last five digits are 00100 to 08288. The logical device is not
+/// looked at, so it need not be 1 or 2.
 TALOBJECTMODEL_EXPORT bool IsCoChannel(ObjectId id) noexcept;
+/// True when the number before @p id is the channel of a communication object.
 TALOBJECTMODEL_EXPORT bool IsCoValue(ObjectId id) noexcept;
 /// Nothing when @p channelId is no channel of a communication object.
 TALOBJECTMODEL_EXPORT boost::optional<ObjectId> GetCoValueObjModelId(ObjectId channelId) noexcept;
@@ -74,14 +85,18 @@ TALOBJECTMODEL_EXPORT bool IsParameterChannel(ObjectId id) noexcept;
 /// Nothing for @p n above the type's maximum.
 TALOBJECTMODEL_EXPORT boost::optional<ObjectId> GetParameterChannelObjModelId(unsigned short n, LogicalDeviceId dev,
                                                                               ParameterType type) noexcept;
+/// The identifier of the value of parameter @p n of a type; nothing for @p n above the type's maximum.
+/// @{
 TALOBJECTMODEL_EXPORT boost::optional<ObjectId> GetIpParameterValueObjModelId(unsigned short n,
                                                                               LogicalDeviceId dev) noexcept;
 TALOBJECTMODEL_EXPORT boost::optional<ObjectId> GetNumberParameterValueObjModelId(unsigned short n,
                                                                                   LogicalDeviceId dev) noexcept;
 TALOBJECTMODEL_EXPORT boost::optional<ObjectId> GetTextParameterValueObjModelId(unsigned short n,
                                                                                 LogicalDeviceId dev) noexcept;
+/// @}
 /// The next number; nothing when IsParameterChannel() is false for @p channelId.
 TALOBJECTMODEL_EXPORT boost::optional<ObjectId> GetParameterValueObjModelId(ObjectId channelId) noexcept;
+/// As for the single types: nothing for @p n above the type's maximum.
 TALOBJECTMODEL_EXPORT boost::optional<ObjectId> GetParameterValueObjModelId(unsigned short n, LogicalDeviceId dev,
                                                                             ParameterType type) noexcept;
 /// The type of the parameter with the channel @p id, an identifier of @p dev; nothing when IsParameterChannel() is

@@ -16,16 +16,16 @@ namespace Tal {
 ///     Tal::MeasureDuration duration("Decoding a KNX value took ", boost::chrono::milliseconds(100));
 class MeasureDuration {
  public:
-  /// Starts the timer.
+  /// Starts the timer; the destructor writes one DEBUG record.
   /// @param label      opens the message; carries its own trailing blank.
-  /// @param threshold  wall time. Without it the destructor writes one DEBUG record; with it one INFO record when at
-  ///                   least this much time has passed, else nothing.
   explicit MeasureDuration(std::string label) : m_label(std::move(label)) {}
+  /// Starts the timer; the destructor writes one INFO record when at least @p threshold of wall time has passed, else
+  /// nothing.
   MeasureDuration(std::string label, boost::chrono::nanoseconds threshold)
       : m_label(std::move(label)), m_threshold(threshold) {}
 
-  static constexpr int kDestructorLine = __LINE__ + 1;  // for its log record
-  TALOBJECTMODEL_EXPORT ~MeasureDuration();
+  static constexpr int kDestructorLine = __LINE__ + 1;  ///< for its log record
+  TALOBJECTMODEL_EXPORT ~MeasureDuration();             ///< writes the record
 
   MeasureDuration(const MeasureDuration&) = delete;
   MeasureDuration& operator=(const MeasureDuration&) = delete;

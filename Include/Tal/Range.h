@@ -12,22 +12,29 @@ namespace Tal {
 /// side of KNX; bounds are inclusive.
 ///
 /// The text form is the class name and the four bounds: "IntegerRange(0, 254, 0, 254)".
-
-/// 32-bit bounds; spans are computed in 64 bits.
+///
+/// This one: 32-bit bounds; spans are computed in 64 bits.
 class IntegerRange {
  public:
+  /// Stores the bounds and calculates the scale factor.
   IntegerRange(std::int32_t internalMin, std::int32_t internalMax, std::int32_t externalMin, std::int32_t externalMax);
+  /// Calculates the factor anew.
   void CalculateScaleFactor();
 
+  /// The lower bound on the side of AROVALUE.
   std::int32_t InternalMin() const noexcept { return m_internalMin; }
+  /// The upper bound on the side of AROVALUE.
   std::int32_t InternalMax() const noexcept { return m_internalMax; }
+  /// External units to one internal unit.
   double ScaleFactor() const noexcept { return m_scaleFactor; }
+  /// True from the lower to the upper internal bound.
   bool Contains(std::int32_t value) const noexcept { return value >= m_internalMin && value <= m_internalMax; }
 
   /// @p value on the external side: externalMin + (value - internalMin) * scale factor, rounded half away from zero and
   /// held within 32 bits.
   std::int32_t ToExternal(std::int32_t value) const noexcept;
 
+  /// Prints the text form.
   friend std::ostream& operator<<(std::ostream& os, const IntegerRange& range);
 
  private:
@@ -38,15 +45,18 @@ class IntegerRange {
   double m_scaleFactor = 1.0;
 };
 
-/// 64-bit bounds.
+/// 64-bit bounds; see IntegerRange.
 class LongIntegerRange {
  public:
+  /// Stores the bounds and calculates the scale factor.
   LongIntegerRange(std::int64_t internalMin, std::int64_t internalMax, std::int64_t externalMin,
                    std::int64_t externalMax);
   /// The ERROR records show the low 32 bits of each bound as a signed number.
   void CalculateScaleFactor();
 
+  /// External units to one internal unit.
   double ScaleFactor() const noexcept { return m_scaleFactor; }
+  /// True from the lower to the upper internal bound.
   bool Contains(std::int64_t value) const noexcept { return value >= m_internalMin && value <= m_internalMax; }
 
   /// The text form starts with "IntegerRange(".
@@ -60,16 +70,20 @@ class LongIntegerRange {
   double m_scaleFactor = 1.0;
 };
 
-/// A floating range against an integer range.
+/// A floating range against an integer range; see IntegerRange.
 class FloatIntegerRange {
  public:
   /// The range of the two-octet float against all 32-bit integers.
   FloatIntegerRange();
+  /// Stores the bounds and calculates the scale factor.
   FloatIntegerRange(double floatMin, double floatMax, std::int32_t integerMin, std::int32_t integerMax);
+  /// Calculates the factor anew.
   void CalculateScaleFactor();
 
+  /// External units to one internal unit.
   double ScaleFactor() const noexcept { return m_scaleFactor; }
 
+  /// Prints the text form.
   friend std::ostream& operator<<(std::ostream& os, const FloatIntegerRange& range);
 
  private:
@@ -80,16 +94,20 @@ class FloatIntegerRange {
   double m_scaleFactor = 1.0;
 };
 
-/// Two floating ranges; widths are absolute, so the bounds of a range may be given in either order.
+/// Two floating ranges (see IntegerRange); widths are absolute, so the bounds of a range may be given in either order.
 class FloatRange {
  public:
+  /// Stores the bounds and calculates the scale factor.
   FloatRange(double first, double second, double externalFirst, double externalSecond);
+  /// Calculates the factor anew.
   void CalculateScaleFactor();
 
+  /// External units to one internal unit.
   double ScaleFactor() const noexcept { return m_scaleFactor; }
   /// False only below the first bound or above the second of the first range; NaN is neither.
   bool Contains(double value) const noexcept { return !(value < m_first || value > m_second); }
 
+  /// Prints the text form.
   friend std::ostream& operator<<(std::ostream& os, const FloatRange& range);
 
  private:

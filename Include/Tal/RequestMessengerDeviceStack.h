@@ -16,24 +16,29 @@ namespace Tal {
 /// another thread and never inside the call. The others are done when they return.
 class TALOBJECTMODEL_EXPORT RequestMessengerDeviceStack {
  public:
-  using IResponseHandler = Vanta::IDeviceStackClient::IResponseHandler;
-  using PropertyType = Vanta::IDeviceStackClient::PropertyType;
-  using Property = Vanta::IDeviceStackClient::Property;
+  using IResponseHandler = Vanta::IDeviceStackClient::IResponseHandler;  ///< receives answers
+  using PropertyType = Vanta::IDeviceStackClient::PropertyType;          ///< what of an object is configured
+  using Property = Vanta::IDeviceStackClient::Property;                  ///< a property's value as text
 
   virtual ~RequestMessengerDeviceStack();
   /// Who receives the answers; null: nobody.
   virtual void SetResponseHandler(IResponseHandler* handler) = 0;
+  /// Registers the application that the three texts identify. @return  the request's id.
   virtual std::string RegisterApplicationAsync(const std::string& first, const std::string& second,
                                                const std::string& third) = 0;
+  /// Sets an object's value. @return  the request's id.
   virtual std::string SetValueAsync(unsigned long id, const AROVALUE& value, bool flag) = 0;
+  /// Reads an object's value. @return  the request's id.
   virtual std::string GetValueAsync(unsigned long id, bool flag) = 0;
+  /// Sends a free-form request. @return  the request's id.
   virtual std::string RequestAsync(const std::string& request) = 0;
+  /// Replaces the configuration. @return  the request's id.
   virtual std::string SetConfigurationAsync(const std::string& configuration) = 0;
-  /// @return success.
+  /// Configures one object. @return success.
   virtual bool SetConfiguration(unsigned long id, std::map<PropertyType, Property> properties) = 0;
-  /// @return success.
+  /// Reads the device's configuration. @return success.
   virtual bool GetDeviceConfig(std::string& config, bool flag) = 0;
-  /// @return success.
+  /// Changes entries of the device's configuration. @return success.
   virtual bool SetDeviceConfig(std::map<std::string, std::string> entries) = 0;
   /// Chooses the format of values "Native". @return success.
   virtual bool EnableNativeFormat() = 0;
@@ -48,6 +53,7 @@ class TALOBJECTMODEL_EXPORT RequestMessengerDeviceStack {
 /// accepted. May be called from any thread; no lock is taken, the form in force is atomic.
 class TALOBJECTMODEL_EXPORT RemoteRequestMessengerDeviceStack final : public RequestMessengerDeviceStack {
  public:
+  /// @param client  must outlive this object.
   explicit RemoteRequestMessengerDeviceStack(Vanta::IDeviceStackClient& client);
   ~RemoteRequestMessengerDeviceStack() override;
 

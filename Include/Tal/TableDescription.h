@@ -25,26 +25,29 @@ struct DptMeaning {
 
 /// A main type as the one-step conversions (GroupValueAroValue.h) know it.
 struct MainTypeDescription {
-  std::uint16_t main;
-  AroValueType valueType;  ///< what its values carry
-  AroDP::AroValueSubType subType;
-  bool isEncoded;  ///< AroValueToGroupValue() encodes it
-  bool isDecoded;  ///< GroupValueToAroValue() decodes it
-  DptMeaning meaning;
+  std::uint16_t main;              ///< main number
+  AroValueType valueType;          ///< what its values carry
+  AroDP::AroValueSubType subType;  ///< what they stand for
+  bool isEncoded;                  ///< AroValueToGroupValue() encodes it
+  bool isDecoded;                  ///< GroupValueToAroValue() decodes it
+  DptMeaning meaning;              ///< of the whole main type
 };
 
 /// A row of the standard table of the map-driven converter (KnxValueConverter.h).
 struct DptDescription {
-  KNXDPT dpt;              ///< sub 0: the whole main type
-  AroValueType valueType;  ///< what its values carry
-  AroDP::AroValueSubType subType;
-  std::string codec;  ///< name of the codec's class
+  KNXDPT dpt;                      ///< sub 0: the whole main type
+  AroValueType valueType;          ///< what its values carry
+  AroDP::AroValueSubType subType;  ///< what they stand for
+  std::string codec;               ///< name of the codec's class
   /// The range that the codec carries, bounds inclusive: the side of AROVALUE and the side of KNX.
   struct Range {
+    /// A bound.
+    /// @{
     double internalMin, internalMax, externalMin, externalMax;
+    /// @}
   };
-  boost::optional<Range> range;
-  DptMeaning meaning;
+  boost::optional<Range> range;  ///< nothing: the codec carries none
+  DptMeaning meaning;            ///< in words
 };
 
 /// All main types of the one-step conversions, ascending.

@@ -13,6 +13,8 @@ namespace Tal {
 template <class T>
 TALOBJECTMODEL_EXPORT T UndefinedBehaviourIfNone(boost::optional<T> value);
 
+/// @cond  the same, for the linker
 extern template TALOBJECTMODEL_EXPORT UTF8String UndefinedBehaviourIfNone<UTF8String>(boost::optional<UTF8String>);
+/// @endcond
 
 }  // namespace Tal

@@ -13,48 +13,57 @@
 namespace DeviceStack {
 
 /// The requests that are answered later.
-enum class Operation { Request, RegisterApplication, SetConfiguration, GetValue, SetValue };
+enum class Operation {
+  Request,              ///< EmbeddedDeviceStack::Request()
+  RegisterApplication,  ///< EmbeddedDeviceStack::RegisterApplication()
+  SetConfiguration,     ///< EmbeddedDeviceStack::SetConfiguration() with a text
+  GetValue,             ///< EmbeddedDeviceStack::GetValue()
+  SetValue,             ///< EmbeddedDeviceStack::SetValue()
+};
 
 /// What goes wrong with a request on purpose.
 struct Fault {
+  /// What goes wrong.
   enum class Kind {
-    None,
+    None,       ///< nothing
     Drop,       ///< done, but not answered
     Duplicate,  ///< answered twice
     Late,       ///< answered only after the next request that is answered
     EmptyId,    ///< not accepted
     Error,      ///< not done, answered with ErrorCode::Injected
   };
-  Kind kind = Kind::None;
+  Kind kind = Kind::None;              ///< what goes wrong
   std::chrono::milliseconds delay{0};  ///< how much later the answer comes; up to a day
 };
 
 /// What happened on the bus, for one object.
 struct BusEvent {
+  /// What it was.
   enum class Kind {
     Received,  ///< decoded and stored
     Read,      ///< the value was asked for, and is answered
-    Sent,
-    Refused,  ///< the octets or the value do not fit, or the bus did not take the telegram; nothing has changed
-    Ignored,  ///< for no object: another group, or no flag lets it in
+    Sent,      ///< the bus has taken it
+    Refused,   ///< the octets or the value do not fit, or the bus did not take the telegram; nothing has changed
+    Ignored,   ///< for no object: another group, or no flag lets it in
   };
-  Kind kind;
-  Telegram telegram;
-  boost::optional<CommunicationObject> object;
-  boost::optional<AROVALUE> value;  ///< received or sent
-  std::string reason;               ///< of a refusal
+  Kind kind;                                    ///< what it was
+  Telegram telegram;                            ///< as it was on the bus, or was to be
+  boost::optional<CommunicationObject> object;  ///< whose it is; nothing when it is ignored
+  boost::optional<AROVALUE> value;              ///< received or sent
+  std::string reason;                           ///< of a refusal
 };
 
+/// What happened since the service's start.
 struct Counters {
-  std::uint64_t requests = 0;  ///< accepted
-  std::uint64_t answered = 0;  ///< answers that were given, good and bad
-  std::uint64_t errors = 0;    ///< bad answers among them
-  std::uint64_t telegramsReceived = 0;
-  std::uint64_t telegramsIgnored = 0;  ///< received, for no object
-  std::uint64_t valuesDecoded = 0;     ///< by object: a telegram may go to several
-  std::uint64_t valuesRefused = 0;
-  std::uint64_t telegramsSent = 0;
-  std::uint64_t telegramsNotSent = 0;  ///< the bus did not take them
+  std::uint64_t requests = 0;           ///< accepted
+  std::uint64_t answered = 0;           ///< answers that were given, good and bad
+  std::uint64_t errors = 0;             ///< bad answers among them
+  std::uint64_t telegramsReceived = 0;  ///< for any group
+  std::uint64_t telegramsIgnored = 0;   ///< received, for no object
+  std::uint64_t valuesDecoded = 0;      ///< by object: a telegram may go to several
+  std::uint64_t valuesRefused = 0;      ///< by object, from the bus
+  std::uint64_t telegramsSent = 0;      ///< the bus took them
+  std::uint64_t telegramsNotSent = 0;   ///< the bus did not take them
 };
 
 /// Keeps the objects of an installation between an application and a KNX bus, as the device-stack service does.
@@ -101,16 +110,17 @@ class EmbeddedDeviceStack final : public Vanta::IDeviceStackClient {
   /// Waits for a callback that runs, unless called by it.
   void SetResponseHandler(IResponseHandler* handler, void* context) override;
 
-  using Listener = std::function<void(const BusEvent&)>;
+  using Listener = std::function<void(const BusEvent&)>;  ///< hears one event after the other
   /// Who hears what happens on the bus, on the service's thread, before a request that caused it is answered; an empty
   /// one: nobody. Returns as SetResponseHandler() does.
   void SetListener(Listener listener);
 
-  using FaultPlan = std::function<Fault(Operation)>;
+  using FaultPlan = std::function<Fault(Operation)>;  ///< says what goes wrong with a request
   /// Asked once for every request, on the caller's thread, one call at a time; it must not call the
   /// service. An empty one: all is well.
   void SetFaultPlan(FaultPlan plan);
 
+  /// All counters, each as it is at some moment of the call.
   Counters GetCounters() const;
 
   /// Waits until everything has been done that is due by now; delayed answers do not count.

@@ -23,23 +23,25 @@ struct Flags {
   bool update = false;    ///< takes responses
 };
 
+/// An object with a value, a datapoint type, and a place on the bus.
 struct CommunicationObject {
-  int device = 1;            ///< logical device, 1 or 2
-  std::uint16_t number = 1;  ///< 1 to 4095, once in a device
-  std::string name;          ///< not empty, not a number, once in an installation
-  Notation::Dpt dpt;
-  GroupAddress address;  ///< several objects may have the same
-  Flags flags;
+  int device = 1;                     ///< logical device, 1 or 2
+  std::uint16_t number = 1;           ///< 1 to 4095, once in a device
+  std::string name;                   ///< not empty, not a number, once in an installation
+  Notation::Dpt dpt;                  ///< one that the direct road encodes or decodes
+  GroupAddress address;               ///< several objects may have the same
+  Flags flags;                        ///< what it does on the bus
   boost::optional<AROVALUE> initial;  ///< nothing: the object has no value before somebody gives it one
 
-  Tal::KnxZelMapping::ObjectId ChannelId() const;
-  Tal::KnxZelMapping::ObjectId ValueId() const;
+  Tal::KnxZelMapping::ObjectId ChannelId() const;  ///< identifier of its channel
+  Tal::KnxZelMapping::ObjectId ValueId() const;    ///< identifier of its value, the next number
 };
 
+/// A house, or a part of one, behind one device on the bus.
 struct Installation {
-  std::string name;
-  IndividualAddress address;  ///< of the device on the bus
-  std::vector<CommunicationObject> objects;
+  std::string name;                          ///< on one line
+  IndividualAddress address;                 ///< of the device on the bus
+  std::vector<CommunicationObject> objects;  ///< in any order
 };
 
 /// An installation that cannot be used: "house.json: objects[2].dpt: " and the reason.
@@ -48,12 +50,12 @@ class InstallationError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// What is read at most: octets of text, and levels of nesting.
-constexpr std::size_t kMaxInstallationSize = std::size_t{16} * 1024 * 1024;
-constexpr int kMaxInstallationDepth = 16;
+constexpr std::size_t kMaxInstallationSize = std::size_t{16} * 1024 * 1024;  ///< octets of text that are read at most
+constexpr int kMaxInstallationDepth = 16;  ///< levels of nesting that are read at most
 
 /// Reads an installation from JSON; Docs/Installation.md has the schema. The whole is checked: unknown, repeated and
 /// missing keys, ranges, names and numbers that occur twice, initial values that their datapoint type does not take.
+/// @param text    UTF-8.
 /// @param source  what errors call the text.
 /// @throws InstallationError  for the first thing that is wrong. Where memory runs out, the process may end: values of
 ///                            the JSON library need some to be destroyed.
@@ -62,9 +64,11 @@ Installation ParseInstallation(std::string_view text, const std::string& source)
 /// The same from a file. @throws InstallationError  also when it cannot be read.
 Installation LoadInstallation(const std::string& path);
 
-/// The text that ParseInstallation() reads back, indented, and its JSON.
+/// The text that ParseInstallation() reads back, indented.
 std::string FormatInstallation(const Installation& installation);
+/// The JSON of that text.
 Notation::Json ToJson(const Installation& installation);
+/// The JSON of one object in that text.
 Notation::Json ToJson(const CommunicationObject& object);
 
 }  // namespace DeviceStack

@@ -20,19 +20,20 @@ enum class Service {
 /// "read", "write" or "response".
 const char* NameOf(Service service);
 
+/// What goes over the bus: a value for a group, or the wish for one.
 struct Telegram {
   std::chrono::system_clock::time_point time;  ///< when it was on the bus
-  IndividualAddress source;
-  GroupAddress destination;
-  Service service = Service::Write;
-  KnxStack::GroupValue value;  ///< octets and size in bits; empty for a read
+  IndividualAddress source;                    ///< who sent it
+  GroupAddress destination;                    ///< whom it is for
+  Service service = Service::Write;            ///< what it asks of the group
+  KnxStack::GroupValue value;                  ///< octets and size in bits; empty for a read
 };
 
 /// A connection to the bus. Made so that a connection to a real one fits: sending may fail, and telegrams come in on
 /// any thread.
 class KnxBus {
  public:
-  using Receiver = std::function<void(const Telegram&)>;
+  using Receiver = std::function<void(const Telegram&)>;  ///< takes what comes in
 
   virtual ~KnxBus() = default;
   /// Puts a telegram on the bus, which sets its time. Called with the service's lock held: must not call the service.

@@ -14,6 +14,7 @@ namespace DeviceStack {
 /// heard: the log is the rest of the house.
 class LogBus final : public KnxBus {
  public:
+  /// How fast the log is played.
   enum class Speed {
     Real,  ///< with the pauses between the telegrams' times
     Full,  ///< without

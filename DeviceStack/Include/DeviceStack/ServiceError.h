@@ -7,8 +7,9 @@
 
 namespace DeviceStack {
 
+/// Why the service cannot do it; what GetErrorCode() gives.
 enum class ErrorCode : int {
-  None = 0,
+  None = 0,                   ///< all is well
   NotRegistered = 1,          ///< no application has been registered yet
   InvalidApplication = 2,     ///< an application without a name
   UnknownObject = 3,          ///< no object has this identifier, or this name
@@ -30,7 +31,9 @@ const char* NameOf(ErrorCode code);
 /// First detail: the code's name. Second detail: what it is about, an identifier or a place in a text.
 class ServiceError final : public Vanta::IDeviceStackClient::IError {
  public:
+  /// No error.
   ServiceError() = default;
+  /// An error; @p about is the second detail.
   ServiceError(ErrorCode code, std::string about, std::string description)
       : m_code(code), m_about(std::move(about)), m_description(std::move(description)) {}
 

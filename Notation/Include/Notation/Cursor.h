@@ -10,7 +10,9 @@
 
 namespace Notation {
 
+/// 0 to 9, whatever the locale.
 inline bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+/// Of ASCII letters; others stay.
 inline char ToLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 /// Compares without regard to the case of ASCII letters.
@@ -23,9 +25,12 @@ inline bool SameText(std::string_view a, std::string_view b) {
 /// false and takes nothing.
 class Cursor {
  public:
+  /// All of @p text is left; it must outlive the cursor.
   explicit Cursor(std::string_view text) : m_rest(text) {}
 
+  /// Nothing is left.
   bool AtEnd() const { return m_rest.empty(); }
+  /// What is left.
   std::string_view Rest() const { return m_rest; }
 
   /// The text @p word, in any case.

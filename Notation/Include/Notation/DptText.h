@@ -8,9 +8,10 @@
 
 namespace Notation {
 
+/// A datapoint type.
 struct Dpt {
-  std::uint16_t main = 0;
-  std::uint16_t sub = 0;
+  std::uint16_t main = 0;  ///< 9 of 9.001
+  std::uint16_t sub = 0;   ///< 1 of 9.001; 0: the whole main type
 
   /// main << 16 | sub
   unsigned long Number() const { return static_cast<unsigned long>(main) << 16 | sub; }

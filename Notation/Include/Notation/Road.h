@@ -11,6 +11,7 @@
 
 namespace Notation {
 
+/// One of the two.
 enum class Road {
   Direct,  ///< the one-step functions, by main type
   Map,     ///< the map-driven converter, by the table of datapoint types
@@ -18,15 +19,17 @@ enum class Road {
 
 /// "direct" or "map".
 const char* NameOf(Road road);
+/// The other one.
 inline Road Other(Road road) { return road == Road::Direct ? Road::Map : Road::Direct; }
 
-/// The library's tables, read once.
+/// The library's table of main types, read once.
 const std::vector<Tal::MainTypeDescription>& MainTypes();
+/// The library's table of datapoint types, read once.
 const std::vector<Tal::DptDescription>& DptTable();
 
-/// The rows that serve a datapoint type: its main type, and exactly main.sub or else main.x of the table; null when
-/// there is none.
+/// The row of the datapoint type's main type; null when there is none.
 const Tal::MainTypeDescription* FindMainType(const Dpt& dpt);
+/// The row of exactly main.sub, or else of main.x; null when there is none.
 const Tal::DptDescription* FindDptRow(const Dpt& dpt);
 
 /// The type that values of @p dpt must have on a road; avtEmpty when the road does not know it.

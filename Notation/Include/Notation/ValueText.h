@@ -12,7 +12,7 @@
 
 namespace Notation {
 
-using Json = nlohmann::ordered_json;
+using Json = nlohmann::ordered_json;  ///< members stay in order
 
 /// Reads a value of type @p type, which a road demands for @p dpt. Only what the type itself cannot hold is refused;
 /// what a datapoint type takes of it is the library's to judge.
@@ -32,8 +32,8 @@ std::string FormatValue(const AROVALUE& value);
 /// The shortest text of a number.
 std::string FormatNumber(double number);
 
-/// The same on one line: in a text, control characters and a blank at the front are escapes (\\n \\t \\r \\xHH), and a
-/// backslash is two.
+/// The same on one line: in a text, control characters and a blank at the front are escapes (`\n` `\t` `\r` `\xHH`),
+/// and a backslash is two.
 std::string FormatOneLine(const AROVALUE& value);
 
 /// The text of which FormatOneLine() makes @p text. A backslash with anything else behind it stands for itself.

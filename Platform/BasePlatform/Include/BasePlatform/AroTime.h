@@ -10,12 +10,12 @@
 
 /// A date, a time of day, or both, field by field; no time zone, no check unless asked for.
 struct AROTIME {
-  std::uint16_t year = 0;
-  std::uint8_t month = 0;  ///< 1..12
-  std::uint8_t day = 0;    ///< 1..31
-  std::uint8_t hour = 0;
-  std::uint8_t minute = 0;
-  std::uint8_t second = 0;
+  std::uint16_t year = 0;       ///< full: 2026
+  std::uint8_t month = 0;       ///< 1..12
+  std::uint8_t day = 0;         ///< 1..31
+  std::uint8_t hour = 0;        ///< 0..23
+  std::uint8_t minute = 0;      ///< 0..59
+  std::uint8_t second = 0;      ///< 0..59
   std::uint8_t extraByte = 0;   ///< carried, never interpreted
   std::uint16_t weekDays = 0;   ///< a set of AroWeekDays::WEEK_DAY_TYPES
   std::uint16_t extraWord = 0;  ///< carried, never interpreted; 1 in a time of day
@@ -51,10 +51,12 @@ struct AROTIME {
   /// All fields in the order of declaration as decimals (flags 0 or 1) separated by single blanks.
   BASEPLATFORM_EXPORT std::string ToString() const;
 
+  /// All fields are the same.
   friend bool operator==(const AROTIME& a, const AROTIME& b) noexcept {
     return a.year == b.year && a.month == b.month && a.day == b.day && a.hour == b.hour && a.minute == b.minute &&
            a.second == b.second && a.extraByte == b.extraByte && a.weekDays == b.weekDays &&
            a.extraWord == b.extraWord && a.firstFlag == b.firstFlag && a.secondFlag == b.secondFlag;
   }
+  /// A field differs.
   friend bool operator!=(const AROTIME& a, const AROTIME& b) noexcept { return !(a == b); }
 };

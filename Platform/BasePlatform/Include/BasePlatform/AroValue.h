@@ -26,6 +26,8 @@ class BASEPLATFORM_EXPORT AROVALUE {
   AROTIME time;      ///< payload of the date and time types
   std::string text;  ///< payload of avtString; any bytes
 
+  /// The payload, or its low part, as a number: whatever the type, and without a check.
+  /// @{
   bool GetBool() const noexcept { return GetByte() != 0; }
   std::uint8_t GetByte() const noexcept { return static_cast<std::uint8_t>(m_payload); }
   std::uint16_t GetWord() const noexcept { return static_cast<std::uint16_t>(m_payload); }
@@ -37,7 +39,10 @@ class BASEPLATFORM_EXPORT AROVALUE {
     return value;
   }
   std::uint64_t GetPayload() const noexcept { return m_payload; }
+  /// @}
 
+  /// Writes the payload, or its low part. The type stays: set avt too.
+  /// @{
   void SetBool(bool value) noexcept { SetByte(value ? 1 : 0); }
   void SetByte(std::uint8_t value) noexcept { Replace(0xFF, value); }
   void SetWord(std::uint16_t value) noexcept { Replace(0xFFFF, value); }
@@ -45,9 +50,10 @@ class BASEPLATFORM_EXPORT AROVALUE {
   void SetInteger(std::int32_t value) noexcept { SetDWord(static_cast<std::uint32_t>(value)); }
   void SetFloat(double value) noexcept { std::memcpy(&m_payload, &value, sizeof m_payload); }
   void SetPayload(std::uint64_t payload) noexcept { m_payload = payload; }
+  /// @}
 
-  /// The body of the serialised text with control characters as \n, \t, \r or \xHH: one line for any type and payload.
-  /// Empty when memory runs out.
+  /// The body of the serialised text with control characters as `\n`, `\t`, `\r` or `\xHH`: one line for any type and
+  /// payload. Empty when memory runs out.
   std::string ToString() const noexcept;
 
   /// The enumerator without "avt" ("Empty" for 1); "Unknown" for a number without a name.
@@ -68,6 +74,7 @@ class BASEPLATFORM_EXPORT AROVALUE {
     return AroValueType{a.avt} == AroValueType{b.avt} && a.m_payload == b.m_payload && a.time == b.time &&
            a.text == b.text;
   }
+  /// One of them differs.
   friend bool operator!=(const AROVALUE& a, const AROVALUE& b) noexcept { return !(a == b); }
 
  private:

@@ -24,7 +24,9 @@ enum AroValueType : std::int32_t {
 /// The type of a value together with the content-kind word that follows it: setting the type sets both.
 class AroValueTag {
  public:
+  /// Sets type and content kind.
   constexpr AroValueTag(AroValueType type = avtEmpty) noexcept : m_type(type), m_contentKind(ContentKindOf(type)) {}
+  /// The type.
   constexpr operator AroValueType() const noexcept { return m_type; }
 
   /// 1 for type 0, 0 for type 1, 2 for every other type.

@@ -23,11 +23,11 @@ class DEVICESTACKCLIENT_EXPORT IDeviceStackClient {
 
   /// A property of an object's configuration. Every 32-bit number is legal.
   enum class PropertyType : std::uint32_t {
-    Name = 1,
-    DatapointType = 2,
-    GroupAddress = 3,
-    Flags = 4,
-    InitialValue = 5,
+    Name = 1,           ///< as people call the object
+    DatapointType = 2,  ///< "9.001"
+    GroupAddress = 3,   ///< "1/2/3"
+    Flags = 4,          ///< what it does on the bus
+    InitialValue = 5,   ///< what it has before somebody gives it a value
   };
   /// A property's value as text.
   using Property = std::string;
@@ -38,7 +38,9 @@ class DEVICESTACKCLIENT_EXPORT IDeviceStackClient {
     virtual ~IError();
     /// 0: no error.
     virtual int GetErrorCode() const = 0;
+    /// What kind of error, for programs; the service's own text.
     virtual std::string GetFirstDetail() const = 0;
+    /// What it is about, for programs; the service's own text.
     virtual std::string GetSecondDetail() const = 0;
     /// What went wrong, for people.
     virtual std::string GetDescription() const = 0;
@@ -47,14 +49,20 @@ class DEVICESTACKCLIENT_EXPORT IDeviceStackClient {
   /// Receives the answers. @c context is the pointer that was given to SetResponseHandler().
   class DEVICESTACKCLIENT_EXPORT IResponseHandler {
    public:
+    /// Answers Request().
     virtual void OnResponse(void* context, const std::string& requestId, const std::string& response,
                             const IError& error) = 0;
+    /// Answers RegisterApplication().
     virtual void OnRegisterApplication(void* context, const std::string& requestId, const IError& error) = 0;
+    /// Answers a request for the configuration.
     virtual void OnGetConfiguration(void* context, const std::string& requestId, const std::string& configuration,
                                     const IError& error) = 0;
+    /// Answers SetConfiguration() with a text.
     virtual void OnSetConfiguration(void* context, const std::string& requestId, const IError& error) = 0;
+    /// Answers GetValue().
     virtual void OnGetValue(void* context, const std::string& requestId, AROOBJECTID id, const std::string& urn,
                             const std::string& value, const IError& error) = 0;
+    /// Answers SetValue().
     virtual void OnSetValue(void* context, const std::string& requestId, AROOBJECTID id, const std::string& urn,
                             const std::string& value, const IError& error) = 0;
     virtual ~IResponseHandler();

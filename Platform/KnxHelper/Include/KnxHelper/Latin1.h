@@ -11,7 +11,9 @@ namespace Tal {
 /// Text in ISO 8859-1, one byte a character. Any bytes are legal.
 class KnxStyleString {
  public:
+  /// Takes any bytes as they are.
   explicit KnxStyleString(std::string bytes) noexcept : m_bytes(std::move(bytes)) {}
+  /// The bytes.
   const std::string& GetBytes() const noexcept { return m_bytes; }
 
  private:

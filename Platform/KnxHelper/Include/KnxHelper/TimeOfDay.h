@@ -28,10 +28,10 @@ class TimeOfDay {
                      static_cast<std::uint8_t>(second), weekday);
   }
 
-  std::uint8_t GetHour() const noexcept { return m_hour; }
-  std::uint8_t GetMinute() const noexcept { return m_minute; }
-  std::uint8_t GetSecond() const noexcept { return m_second; }
-  DayOfWeek GetWeekday() const noexcept { return m_weekday; }
+  std::uint8_t GetHour() const noexcept { return m_hour; }      ///< 0 to 23
+  std::uint8_t GetMinute() const noexcept { return m_minute; }  ///< 0 to 59
+  std::uint8_t GetSecond() const noexcept { return m_second; }  ///< 0 to 59
+  DayOfWeek GetWeekday() const noexcept { return m_weekday; }   ///< NoDay to Sunday
 
  private:
   TimeOfDay(std::uint8_t hour, std::uint8_t minute, std::uint8_t second, DayOfWeek weekday) noexcept

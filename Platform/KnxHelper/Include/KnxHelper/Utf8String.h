@@ -38,6 +38,7 @@ class UTF8String {
   /// @return nothing when @p text is not valid UTF-8.
   KNXHELPER_EXPORT static boost::optional<UTF8String> Create(std::string text);
 
+  /// The bytes, valid UTF-8.
   const std::string& GetBytes() const noexcept { return m_bytes; }
 
  private:

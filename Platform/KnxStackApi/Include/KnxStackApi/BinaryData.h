@@ -18,15 +18,19 @@ namespace KnxStack {
 /// fixed-size datapoint type has, live inside the object; longer sequences take memory of their own.
 class BinaryData {
  public:
-  static constexpr std::size_t kInlineOctets = 14;
+  static constexpr std::size_t kInlineOctets = 14;  ///< so many need no memory beside the object
 
+  /// No octets.
   BinaryData() noexcept = default;
+  /// A copy of @p count octets; @p octets may be null when it is 0.
   BinaryData(const std::uint8_t* octets, std::size_t count) {
     std::uint8_t* const room = Allocate(count);
     if (count > 0) std::memcpy(room, octets, count);
   }
+  /// These octets.
   BinaryData(std::initializer_list<std::uint8_t> octets) : BinaryData(octets.begin(), octets.size()) {}
 
+  /// A copy.
   BinaryData(const BinaryData& other) : m_inline(other.m_inline) {
     if (other.m_far) {
       std::memcpy(Allocate(other.m_size), other.m_far.get(), other.m_size);
@@ -34,12 +38,15 @@ class BinaryData {
       m_size = other.m_size;
     }
   }
+  /// Takes the octets of @p other, which has none afterwards.
   BinaryData(BinaryData&& other) noexcept
       : m_far(std::move(other.m_far)), m_size(std::exchange(other.m_size, 0)), m_inline(other.m_inline) {}
+  /// A copy; when memory runs out, nothing has changed.
   BinaryData& operator=(const BinaryData& other) {
     BinaryData copy(other);
     return *this = std::move(copy);
   }
+  /// Takes the octets of @p other, which has none afterwards.
   BinaryData& operator=(BinaryData&& other) noexcept {
     m_far = std::move(other.m_far);
     m_inline = other.m_inline;
@@ -64,11 +71,12 @@ class BinaryData {
     return m_inline.data();
   }
 
-  std::size_t size() const noexcept { return m_size; }
-  bool empty() const noexcept { return m_size == 0; }
+  std::size_t size() const noexcept { return m_size; }  ///< how many octets
+  bool empty() const noexcept { return m_size == 0; }   ///< there are none
+  /// Where they stand, until the object changes or moves.
   const std::uint8_t* data() const noexcept { return m_far ? m_far.get() : m_inline.data(); }
-  const std::uint8_t* begin() const noexcept { return data(); }
-  const std::uint8_t* end() const noexcept { return data() + m_size; }
+  const std::uint8_t* begin() const noexcept { return data(); }         ///< the first one
+  const std::uint8_t* end() const noexcept { return data() + m_size; }  ///< behind the last one
 
   /// Octet @p index. @throws GroupValueException when there is no such octet.
   std::uint8_t GetUInt8Value(std::size_t index) const {
@@ -90,9 +98,11 @@ class BinaryData {
   /// Upper-case hex, two digits an octet, a blank between octets.
   KNXSTACKAPI_EXPORT std::string ToString() const;
 
+  /// The same octets.
   friend bool operator==(const BinaryData& a, const BinaryData& b) noexcept {
     return a.m_size == b.m_size && std::memcmp(a.data(), b.data(), a.m_size) == 0;
   }
+  /// Other octets.
   friend bool operator!=(const BinaryData& a, const BinaryData& b) noexcept { return !(a == b); }
 
  private:

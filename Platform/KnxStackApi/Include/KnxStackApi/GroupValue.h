@@ -12,19 +12,21 @@
 
 namespace KnxStack {
 
-/// A date as datapoint type 11.001 carries it, with its full year.
+/// A date as datapoint type 11.001 carries it, with its full year. What GetAsDate() reads is not judged, and may lie
+/// outside these ranges.
 struct Date {
-  std::uint8_t day;
-  std::uint8_t month;
-  std::uint16_t year;
+  std::uint8_t day;    ///< 1 to 31
+  std::uint8_t month;  ///< 1 to 12
+  std::uint16_t year;  ///< 1990 to 2089
 };
 
-/// A time of day as datapoint type 10.001 carries it; weekday 0 is no day, 1 Monday ... 7 Sunday.
+/// A time of day as datapoint type 10.001 carries it; weekday 0 is no day, 1 Monday ... 7 Sunday. What GetAsTimeOfDay()
+/// reads is not judged, and may lie outside these ranges.
 struct DayTime {
-  std::uint8_t hour;
-  std::uint8_t minute;
-  std::uint8_t second;
-  std::uint8_t weekday;
+  std::uint8_t hour;     ///< 0 to 23
+  std::uint8_t minute;   ///< 0 to 59
+  std::uint8_t second;   ///< 0 to 59
+  std::uint8_t weekday;  ///< 0 to 7
 };
 
 /// What a group object sends and receives. Values shorter than an octet stand in the low bits of one octet; the bus
@@ -39,6 +41,7 @@ struct DayTime {
 /// Values of up to 14 octets need no memory beside the object.
 class GroupValue {
  public:
+  /// No octets, size 0.
   GroupValue() noexcept = default;
 
   /// Keeps both arguments, also when they disagree.
@@ -47,11 +50,14 @@ class GroupValue {
 
   /// Size in bits.
   unsigned GetDefinedSize() const noexcept { return m_definedSize; }
+  /// The octets.
   const BinaryData& GetRawData() const noexcept { return m_octets; }
 
   /// The octets as BinaryData::ToString() prints them.
   std::string ToString() const { return m_octets.ToString(); }
 
+  /// A number in as many bits as the name says; of a shorter one the low bits.
+  /// @{
   void SetAsBoolean(bool value) { Set(1, Octet(value ? 1u : 0u)); }
   void SetAsUnsigned2(std::uint8_t value) { Set(2, Octet(value & 0x03u)); }
   void SetAsUnsigned3(std::uint8_t value) { Set(3, Octet(value & 0x07u)); }
@@ -65,6 +71,7 @@ class GroupValue {
     Set(32, Octet(value >> 24), Octet(value >> 16), Octet(value >> 8), Octet(value));
   }
   void SetAsSigned32(std::int32_t value) { SetAsUnsigned32(static_cast<std::uint32_t>(value)); }
+  /// @}
   /// IEEE 754 single precision; NaN and infinities are sent as they are.
   void SetAsFloat32(float value) {
     std::uint32_t bits;
@@ -73,8 +80,9 @@ class GroupValue {
   }
   /// The two-octet float nearest to @p value (Float16.h). @throws GroupValueException beyond its range.
   KNXSTACKAPI_EXPORT void SetAsFloat16(double value);
-  /// @throws GroupValueException for a day that is none, or outside 1990-01-01 to 2089-12-31.
+  /// A date in three octets. @throws GroupValueException for a day that is none, or outside 1990-01-01 to 2089-12-31.
   KNXSTACKAPI_EXPORT void SetAsDate(unsigned day, unsigned month, unsigned year);
+  /// A time of day in three octets; weekday 0 is no day, 1 Monday.
   /// @throws GroupValueException unless hour < 24, minute < 60, second < 60 and weekday <= 7.
   KNXSTACKAPI_EXPORT void SetAsTimeOfDay(unsigned hour, unsigned minute, unsigned second, unsigned weekday);
   /// 14 octets of ISO 8859-1: @p latin1 cut at 14 characters, or filled up with zeros.
@@ -90,6 +98,9 @@ class GroupValue {
     m_octets = std::move(octets);
   }
 
+  /// The number that as many bits as the name says make: of one octet the low ones, else the first two or four octets.
+  /// @throws GroupValueException  for want of octets.
+  /// @{
   bool GetAsBoolean() const { return (First() & 0x01u) != 0; }
   std::uint8_t GetAsUnsigned2() const { return Octet(First() & 0x03u); }
   std::uint8_t GetAsUnsigned3() const { return Octet(First() & 0x07u); }
@@ -111,7 +122,8 @@ class GroupValue {
     std::memcpy(&value, &bits, sizeof value);
     return value;
   }
-  /// NaN for the word 7F FF.
+  /// @}
+  /// The number of the two-octet float (Float16.h); NaN for the word 7F FF. @throws GroupValueException  as above.
   KNXSTACKAPI_EXPORT double GetAsFloat16() const;
   /// Years 90 to 99 are 1990 to 1999, others 2000 onwards; the fields are masked to their bits, not judged.
   KNXSTACKAPI_EXPORT Date GetAsDate() const;

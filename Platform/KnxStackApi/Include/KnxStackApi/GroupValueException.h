@@ -11,7 +11,9 @@ namespace KnxStack {
 class KNXSTACKAPI_EXPORT GroupValueException : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
+  /// A copy.
   GroupValueException(const GroupValueException&) = default;
+  /// A copy.
   GroupValueException& operator=(const GroupValueException&) = default;
   ~GroupValueException() override;
 };

@@ -18,8 +18,12 @@ namespace Tal {
 /// The same, naming the place where it stands.
 #define TAL_ASSERT2(expr) TAL_ASSERT2_IMPL(expr, #expr, __func__, __FILE__, TAL_LINE_TEXT(__LINE__))
 
+/// @cond  what the above is made of
 #define TAL_LINE_TEXT_IMPL(line) #line
+/// @endcond
+/// A line number, such as __LINE__, as text.
 #define TAL_LINE_TEXT(line) TAL_LINE_TEXT_IMPL(line)
+/// @cond
 #define TAL_ASSERT2_IMPL(expr, expression, function, path, line)                                   \
   do {                                                                                             \
     if (!(expr)) {                                                                                 \
@@ -29,3 +33,4 @@ namespace Tal {
       ::Tal::AssertionFailed(talPieces);                                                           \
     }                                                                                              \
   } while (false)
+/// @endcond

@@ -11,7 +11,7 @@ struct CallSite {
   const char* function;   ///< short name, e.g. "ToKnxValue"
   const char* signature;  ///< full signature as the compiler writes it
   const char* file;       ///< source path without build prefix; a file extension is dropped when it is shown
-  int line;
+  int line;               ///< from 1
 };
 
 /// @p file without its extension: "TalObjectModel/KnxConverter" for "TalObjectModel/KnxConverter.cpp".
@@ -26,11 +26,12 @@ constexpr std::string_view WithoutExtension(std::string_view file) noexcept {
 /// A path without its extension as zero-terminated text that is ready at compile time.
 template <std::size_t Size>
 struct SourcePath {
+  /// @param file  a path as a literal.
   constexpr explicit SourcePath(const char (&file)[Size]) noexcept {
     const std::size_t length = WithoutExtension(std::string_view(file, Size - 1)).size();
     for (std::size_t i = 0; i < length; ++i) text[i] = file[i];
   }
-  char text[Size] = {};
+  char text[Size] = {};  ///< zero-terminated
 };
 
 }  // namespace Tal

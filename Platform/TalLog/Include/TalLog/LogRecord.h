@@ -15,10 +15,13 @@ namespace Tal {
 /// record that cannot be written (memory, appender) is dropped.
 class TALLOG_EXPORT LogRecord {
  public:
+  /// Opens a record, whether the level is on or not.
   LogRecord(LogLevel level, const CallSite& site);
+  /// Hands it to the default logger.
   ~LogRecord();
   LogRecord(const LogRecord&) = delete;
   LogRecord& operator=(const LogRecord&) = delete;
+  /// Where the message goes.
   std::ostream& Stream() { return m_stream; }
 
  private:
@@ -29,6 +32,7 @@ class TALLOG_EXPORT LogRecord {
 
 /// Swallows the stream of a TAL_LOG expression, so that both branches of its condition are void.
 struct LogVoidify {
+  /// Binds weaker than <<: the whole message comes first.
   void operator&&(const std::ostream&) const {}
 };
 

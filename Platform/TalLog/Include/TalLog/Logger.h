@@ -28,9 +28,9 @@ TALLOG_EXPORT bool IsLogEnabled(LogLevel level) noexcept;
 
 /// Reads a log4cplus properties file. The default logger then takes its level from the file (its own or the root's).
 ///
+/// @param propertiesFile  its path.
 /// @param reason  what is wrong, in one line, when the result is false: the file cannot be read, gives the root logger
-/// no
-///                valid level, or names no appender that the records of "tal" would reach. log4cplus reports other
+///                no valid level, or names no appender that the records of "tal" would reach. log4cplus reports other
 ///                faults on standard error only, a log file that cannot be opened among them.
 /// @return        false: the default logger keeps its level; a file that names no appender at all changes nothing else.
 ///
@@ -44,6 +44,7 @@ TALLOG_EXPORT const std::string& GetLoggingContext();
 /// innermost is shown. An empty name shows none; " - " in a name is shown as "-".
 class TALLOG_EXPORT ScopedLoggingContext {
  public:
+  /// From now on @p name is shown.
   explicit ScopedLoggingContext(const std::string& name);
   ~ScopedLoggingContext();
   ScopedLoggingContext(const ScopedLoggingContext&) = delete;
