@@ -23,6 +23,7 @@ constexpr bool kIsAroPayload =
 /// A value that carries @p value under the type of T: bool avtBool; double, float avtFloat; short, int avtInteger;
 /// unsigned char avtByte; unsigned short avtWord; unsigned int avtDWord; std::string avtString (made valid UTF-8).
 ///
+/// @param value         the payload.
 /// @param expectedType  the type that the datapoint type in hand demands. A type that differs from T's means that the
 ///                      table of types names the wrong one: the assertion "result.avt == expectedType" ends the
 ///                      process.

@@ -4,7 +4,13 @@
 #include <gmock/gmock.h>
 #include <log4cplus/configurator.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
 #include <thread>
 
 #include "Support/Cases.h"
@@ -144,6 +150,27 @@ TEST(LoggingDeathTest, APropertiesFileDecidesLevelAndPlace) {
   // An application may also configure log4cplus itself before the first record.
   EXPECT_EXIT((log4cplus::PropertyConfigurator::doConfigure(file.path), log(true)), once,
               "^<INFO ToKnxValue.*once>\n$");
+}
+
+TEST(LoggingDeathTest, TheExampleOfTheManualDividesRecordsByLevel) {
+  const auto run = [] {
+    const std::string folder = testing::TempDir() + std::to_string(::getpid()) + "logs";
+    std::string reason;
+    const bool isReady = ::mkdir(folder.c_str(), 0700) == 0 && ::chdir(folder.c_str()) == 0 &&
+                         ConfigureLogging(TAL_LOG_PROPERTIES, reason);
+    TAL_LOG_AT(Debug, kSite) << "too low";
+    TAL_LOG_AT(Info, kSite) << "told";
+    TAL_LOG_AT(Error, kSite) << "refused";
+    std::cerr << "file:\n" << std::ifstream("talobjectmodel.log").rdbuf() << reason;
+    std::filesystem::remove_all(folder);
+    std::_Exit(isReady ? 0 : 1);
+  };
+  const std::string record = " ToKnxValue.TalObjectModel/Knx.Converter:123. - ";
+  const std::string time = "[0-9:,]+ ";
+  const std::string thread = " \\[[0-9.]+\\]";  // log4cplus prints it in the locale
+  EXPECT_EXIT(run(), testing::ExitedWithCode(0),
+              "^" + time + "ERROR" + record + "refused\nfile:\n[0-9-]+T" + time + "INFO " + thread + record +
+                  "told\n[0-9-]+T" + time + "ERROR" + thread + record + "refused\n$");
 }
 
 /// Logs when the process ends, after the objects of its threads are gone.

@@ -40,7 +40,8 @@ std::string DatapointsInMarkdown() {
           "the\n"
           "same as a page to search in, with pictures of the layouts. A row with `x` stands for all sub types of a "
           "main type\n"
-          "that have no row of their own. When octets are read, the bounds of the map's row count on both roads. The roads and\n"
+          "that have no row of their own. When octets are read, the bounds of the map's row count on both roads. The "
+          "roads and\n"
           "their differences: [Roads](Roads.md).\n\n"
           "| DPT | Meaning | Unit | Bits | On the direct road | On the map road | Example | Octets |\n"
           "|---|---|---|---|---|---|---|---|\n";

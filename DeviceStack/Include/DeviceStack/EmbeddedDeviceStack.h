@@ -81,7 +81,8 @@ struct Counters {
 /// RegisterApplication() need a registered application.
 class EmbeddedDeviceStack final : public Vanta::IDeviceStackClient {
  public:
-  /// @param bus  must outlive the service, and be its alone: stop a service before another takes over its bus.
+  /// @param installation  taken as it is; ParseInstallation() checks it.
+  /// @param bus           must outlive the service, and be its alone: stop a service before another takes over its bus.
   EmbeddedDeviceStack(Installation installation, KnxBus& bus);
   /// Stops first. Must not run inside a callback.
   ~EmbeddedDeviceStack() override;
@@ -120,7 +121,7 @@ class EmbeddedDeviceStack final : public Vanta::IDeviceStackClient {
   /// service. An empty one: all is well.
   void SetFaultPlan(FaultPlan plan);
 
-  /// All counters, each as it is at some moment of the call.
+  /// All counters, as they are at one moment.
   Counters GetCounters() const;
 
   /// Waits until everything has been done that is due by now; delayed answers do not count.

@@ -21,6 +21,7 @@ class LogBus final : public KnxBus {
   };
 
   /// @param telegrams  in the order of their times.
+  /// @param speed      how fast they are played.
   /// @param record     where sent telegrams are written, a line each; must outlive the bus; null: nowhere.
   LogBus(std::vector<Telegram> telegrams, Speed speed, std::ostream* record);
 

@@ -34,6 +34,7 @@ bool ParseTelegram(std::string_view line, Telegram& telegram, std::string& error
 std::string FormatTime(std::chrono::system_clock::time_point time);
 
 /// Reads a whole log. Blank lines and lines that begin with # are passed over; times must not go back.
+/// @param in    read to its end.
 /// @param name  what errors call the log.
 /// @throws TelegramLogError  for the first line that is wrong, or when the stream cannot be read.
 std::vector<Telegram> ReadTelegramLog(std::istream& in, const std::string& name);

@@ -9,7 +9,9 @@
 
 /// Packs the payload of @p value: 1 octet for avtByte and the types 1005 and 1037, 2 for avtWord, 4 for avtInteger and
 /// avtDWord, 8 for avtFloat, the text's bytes for avtString.
-/// @param size  in: room in @p buffer, out: octets written.
+/// @param value   what is packed.
+/// @param buffer  where the octets go.
+/// @param size    in: room in @p buffer, out: octets written.
 /// @return      false, with nothing changed, when the room is too small or the type has no raw form.
 BASEPLATFORM_EXPORT bool AroValueToByteArray(const AROVALUE& value, std::uint8_t* buffer, std::size_t& size) noexcept;
 
