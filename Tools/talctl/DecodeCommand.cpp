@@ -19,8 +19,8 @@ void AddBitsOption(CLI::App& command, std::optional<std::string>& bits) {
 constexpr char kOctets[] =
     "OCTETS are two hex digits each: 0C1A, 0c 1a or 0x0C1A. Without operands, answers lines `DPT OCTETS` from "
     "standard\n"
-    "input one by one; blank lines and # comments are skipped, and a refused line is answered with `error: ` and the\n"
-    "reason.";
+    "input one by one; blank lines and # comments are skipped, and a refused line is answered with `error: `, its\n"
+    "place and the reason.";
 
 void DescribeOctets(const Conversion& conversion, JsonLine& json) {
   if (conversion.groupValue) {

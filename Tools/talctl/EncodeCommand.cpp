@@ -29,7 +29,7 @@ CLI::App* EncodeCommand::AddTo(CLI::App& app) {
           "than an\n"
           "octet as one octet. Without operands, answers lines `DPT VALUE` from standard input one by one; blank lines "
           "and\n"
-          "# comments are skipped, and a refused line is answered with `error: ` and the reason.");
+          "# comments are skipped, and a refused line is answered with `error: `, its place and the reason.");
   AddRoadOption(*command, m_road);
   command->footer(kExamples);
   return command;

@@ -29,8 +29,9 @@ std::size_t ColumnOf(std::string_view line, const char* octet) {
 void TellStop(const Streams& streams, unsigned long lines, unsigned long refused, const Progress& progress) {
   streams.out.flush();
   // Over the ^C that a terminal shows.
-  streams.err << (streams.errIsTerminal ? "\r" : "") << "talctl: stopped: " << lines << " lines, " << refused
-              << " refused, " << FormatNumber(std::floor(progress.Elapsed().count() * 10) / 10) << " s\n";
+  streams.err << (streams.errIsTerminal ? "\r" : "") << "talctl: stopped: " << std::to_string(lines) << " lines, "
+              << std::to_string(refused) << " refused, "
+              << FormatNumber(std::floor(progress.Elapsed().count() * 10) / 10) << " s\n";
 }
 
 }  // namespace
@@ -110,8 +111,8 @@ ExitStatus LineCommand::RunLines(const Invocation& invocation, ReasonLog& log) c
     } else if (conversion.error.empty()) {
       out << Text(conversion) + '\n';
     } else {
-      out << error << lines.Number() << (column == 0 ? "" : ", column " + std::to_string(column)) << ": "
-          << conversion.error << '\n';
+      out << error << std::to_string(lines.Number()) << (column == 0 ? "" : ", column " + std::to_string(column))
+          << ": " << conversion.error << '\n';
     }
     if (!out) return kRefused;
   }

@@ -39,7 +39,8 @@ constexpr char kFooter[] = R"(Examples:
   talctl set kitchen.light on
   talctl monitor --json
 
-Exit status: 0 done, 1 something was refused, 2 wrong use.
+Exit status: 0 done, 1 something was refused, 2 wrong use, 128 + N ended by the signal N.
+Environment: NO_COLOR (see --color), TERM.
 `talctl COMMAND --help` shows a command's options and examples.)";
 
 /// The command line as CLI11 knows it, with what it fills in.
