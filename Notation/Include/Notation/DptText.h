@@ -18,6 +18,9 @@ struct Dpt {
 };
 
 /// Reads "9.001", "9.1", "DPST-9-1", or for a whole main type (sub number 0) "9", "9.x", "DPT-9".
+/// @param text   with nothing before and behind the datapoint type.
+/// @param dpt    stays as it was when the text is refused.
+/// @param error  stays as it was when the text is read.
 /// @param fault  where given, takes the first octet that cannot belong to a datapoint type.
 /// @return       false, with what was expected in @p error.
 bool ParseDpt(std::string_view text, Dpt& dpt, std::string& error, std::size_t* fault = nullptr);
