@@ -1,6 +1,7 @@
 #include <Notation/ObjectId.h>
 #include <Tal/KnxZelMapping.h>
 
+#include <locale>
 #include <sstream>
 
 #include "Reference.h"
@@ -35,6 +36,7 @@ std::string InWords(const std::string& layout) {
 
 std::string DatapointsInMarkdown() {
   std::ostringstream page;
+  page.imbue(std::locale::classic());
   page << "# Datapoint types\n\n"
           "Written by `Scripts/pages.sh` from the library's tables; a test compares. `talctl dpts --html FILE` writes "
           "the\n"
@@ -66,6 +68,7 @@ std::string IdentifiersInMarkdown() {
   using namespace Tal::KnxZelMapping;
   using Tal::LogicalDeviceId;
   std::ostringstream page;
+  page.imbue(std::locale::classic());
   page
       << "# Object-model identifiers\n\n"
          "Written by `Scripts/pages.sh` from the library's functions; a test compares. `talctl id NUMBER` explains an\n"
