@@ -88,7 +88,7 @@ names() { dpkg-deb --fsys-tarfile "$1" | tar -t | sed -E 's/(arm-linux-gnueabihf
 
 try_armhf() {
   need_packages binutils qemu-user
-  local sysroot=$root/build/armhf-sysroot deb name file library owner other
+  local sysroot=$root/build/armhf-sysroot deb name file library owner depends other
   for deb in "$root/build/packages/armhf"/*.deb; do
     name=$(dpkg-deb -f "$deb" Package)
     dpkg-deb -R "$deb" "$work/$name"
@@ -108,7 +108,8 @@ try_armhf() {
     while read -r library; do
       owner=$(awk -v library="$library" '$1 ".so." $2 == library { print $3; exit }' "$work/shlibs")
       [ "$owner" ] || die "$name needs $library, which is in no package that is known"
-      [ "$owner" = "$name" ] || grep -E "^Depends:.*[ ]$owner([ ,]|\$)" "$work/$name/DEBIAN/control" >/dev/null ||
+      depends=$(sed -n 's/^Depends://p' "$work/$name/DEBIAN/control" | tr ',\n' '  ')
+      [ "$owner" = "$name" ] || [[ $depends == *" $owner "* ]] ||
         die "$name needs $library and does not depend on $owner"
     done < <(readelf -d "$file" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p')
     say "  ${file#"$work/"}: all libraries are depended on"
