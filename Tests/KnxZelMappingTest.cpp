@@ -130,14 +130,10 @@ TEST(MainTypes, DemandTheirValueTypes) {
   for (const auto& [main, name] : subTypes) EXPECT_EQ(GetAstFromMainType(main), name) << main;
 }
 
-// clang-format off
 TEST(MainTypes, HaveDefaultsThatNoTimeZoneChanges) {
-  const std::pair<unsigned, const char*> cases[] = {
-      {1, "2:0"}, {4, "1:"}, {8, "4:0"}, {9, "3:0"}, {10, "15:2000 1 1 0 0 0 0 0 1 0 0"}, {16, "10:"}, {234, "7:23130"}, {100, ""},
-      {11, "11:1990 1 1 0 0 0 0 1 0 0 0"}, {19, "13:1900 1 1 0 0 0 0 1 0 0 0"}};
-  // clang-format on
-  for (const auto& [main, text] : cases) EXPECT_EQ(GetDefaultValueFromDpt(Dpt(main), false), text) << main;
-  EXPECT_EQ(GetDefaultValueFromDpt(Dpt(9), true), "3.7:0");
+  ForEachCase("Identifiers.txt", "defaults of main types", [](const Case& c) {
+    EXPECT_EQ(GetDefaultValueFromDpt(Dpt(std::stoul(c[0])), c[2] == "internal"), c[1]);
+  });
 }
 
 TEST(MainTypes, EveryDefaultIsOfItsTypeAndEncodesWhereItsMainTypeDoes) {

@@ -250,17 +250,13 @@ TEST(EmbeddedDeviceStack, MakesNoCallbackAfterItWasStoppedInOne) {
     EmbeddedDeviceStack stack(ParseInstallation(kHouse, ""), bus);
     std::atomic<int> calls{0};
     std::atomic<bool> isDone{false};
-    const auto stop = [&] {
-      stack.Stop();
-      isDone = true;
+    const auto stopIf = [&](bool isTime) {
+      if (isTime) stack.Stop();
+      if (isTime) isDone = true;
     };
-    Listening handler([&](void*) {
-      if (++calls == 2 && !inListener) stop();
-    });
+    Listening handler([&](void*) { stopIf(++calls == 2 && !inListener); });
     stack.SetResponseHandler(&handler, nullptr);
-    stack.SetListener([&](const BusEvent&) {
-      if (inListener) stop();
-    });
+    stack.SetListener([&](const BusEvent&) { stopIf(inListener); });
     stack.RegisterApplication("a", "", "");
     stack.SetFaultPlan([](Operation) { return Fault{Kind::Duplicate, {}}; });
     stack.SetValue(kLamp, "2:1", false, nullptr);

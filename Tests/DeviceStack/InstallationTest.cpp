@@ -10,14 +10,11 @@ namespace {
 using TalTest::Case;
 using TalTest::ForEachCase;
 using TalTest::Is;
+using testing::ThrowsMessage;
 
 std::string Object(const std::string& changes = "") {
-  Notation::Json json = {{"device", 1},
-                         {"number", 1},
-                         {"name", "lamp"},
-                         {"dpt", "1.001"},
-                         {"groupAddress", "1/2/3"},
-                         {"flags", {"read", "write"}}};
+  auto json = Notation::Json::parse(R"({"device": 1, "number": 1, "name": "lamp", "dpt": "1.001",
+                                        "groupAddress": "1/2/3", "flags": ["read", "write"]})");
   if (!changes.empty()) json.merge_patch(Notation::Json::parse(changes));
   return json.dump();
 }
@@ -45,26 +42,19 @@ std::string ManyKeys() {
   return text + '}';
 }
 
-/// What is said of a text that cannot be used, behind its name.
-std::string ErrorOf(const std::string& text) {
-  try {
-    ParseInstallation(text, "x.json");
-    return "none";
-  } catch (const InstallationError& error) {
-    EXPECT_THAT(error.what(), testing::StartsWith("x.json"));
-    return std::string(error.what()).substr(6);
-  }
+/// @p told is what is said of a text that cannot be used, behind its name.
+void ExpectError(const std::string& text, const std::string& told) {
+  EXPECT_THAT([&] { ParseInstallation(text, "x.json"); }, ThrowsMessage<InstallationError>(Is("x.json" + told)));
 }
 
 TEST(Installation, SaysWhereAndWhyItCannotBeUsed) {
-  ForEachCase("DeviceStack.txt", "installations", [](const Case& c) { EXPECT_THAT(ErrorOf(c[0]), Is(c[1])); });
-  ForEachCase("DeviceStack.txt", "objects",
-              [](const Case& c) { EXPECT_THAT(ErrorOf(House(Object(c[0]))), Is(": objects[0]" + c[1])); });
-  ForEachCase("DeviceStack.txt", "second objects", [](const Case& c) {
-    EXPECT_THAT(ErrorOf(House(Object() + ',' + Object(c[0]))), Is(": objects[1]" + c[1]));
-  });
-  EXPECT_EQ(ErrorOf(House("7")), ": objects[0]: expected an object");
-  EXPECT_EQ(ErrorOf(ManyKeys()), ": has an object with more than 64 keys");
+  const std::string file = "DeviceStack.txt";
+  ForEachCase(file, "installations", [](const Case& c) { ExpectError(c[0], c[1]); });
+  ForEachCase(file, "objects", [](const Case& c) { ExpectError(House(Object(c[0])), ": objects[0]" + c[1]); });
+  ForEachCase(file, "second objects",
+              [](const Case& c) { ExpectError(House(Object() + ',' + Object(c[0])), ": objects[1]" + c[1]); });
+  ExpectError(House("7"), ": objects[0]: expected an object");
+  ExpectError(ManyKeys(), ": has an object with more than 64 keys");
 }
 
 TEST(Installation, IsReadFromFilesThatCanBeRead) {
@@ -73,12 +63,8 @@ TEST(Installation, IsReadFromFilesThatCanBeRead) {
   for (const std::string& bad : {file.path + "x", testing::TempDir()}) {
     EXPECT_THROW(LoadInstallation(bad), InstallationError) << bad;
   }
-  try {
-    LoadInstallation("/dev/zero");
-    ADD_FAILURE();
-  } catch (const InstallationError& error) {
-    EXPECT_STREQ(error.what(), "/dev/zero: is longer than 16777216 octets");
-  }
+  EXPECT_THAT([] { LoadInstallation("/dev/zero"); },
+              ThrowsMessage<InstallationError>(Is("/dev/zero: is longer than 16777216 octets")));
 }
 
 }  // namespace

@@ -91,10 +91,7 @@ TEST(Logging, ContextAndRecursionBelongToTheThreadAndCannotForgeThePrefix) {
 TEST(Logging, BuildsNoTextWhileTheLevelIsOff) {
   ScopedLogCapture log(LogLevel::Warn);
   int built = 0;
-  const auto text = [&] {
-    ++built;
-    return "text";
-  };
+  const auto text = [&] { return ++built, "text"; };
   if (built == 0)
     TAL_LOG(Info) << text();  // no braces: a record is one statement
   else
