@@ -86,8 +86,9 @@ function(tal_install_package)
     endforeach()
   endif()
 
-  install(FILES README.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
-  install(DIRECTORY Docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
+  install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
+  install(DIRECTORY Docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation
+    PATTERN *.in EXCLUDE PATTERN *.dox EXCLUDE)
   install(DIRECTORY Examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT documentation
     FILES_MATCHING PATTERN *.cpp)
 endfunction()

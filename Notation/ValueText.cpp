@@ -48,7 +48,7 @@ constexpr ExpectationRow kExpectations[] = {
     {avtFloat, 9, Roads::Direct, "a number from -671088.64 to 670760.96 with a decimal point, or nan"},
     {avtFloat, kAnyMain, Roads::Both, "a number with a decimal point, or nan, inf, -inf"},
     {avtString, 4, Roads::Both,
-     "a character of ISO 8859-1 (4.001: of ASCII) in UTF-8; of more the low eight bits of the first are sent"},
+     "a character of ISO 8859-1 (4.001: of ASCII) in UTF-8; others are sent cut to one octet"},
     {avtString, kAnyMain, Roads::Both, "text in UTF-8"},
     {avtDayTime, kAnyMain, Roads::Both, "a time of day such as 12:30:15 or Mon 12:30:15"},
     {avtTime, kAnyMain, Roads::Both, "a time of day such as 12:30:15 or Mon 12:30:15"},

@@ -49,6 +49,9 @@ names() {
   [ -s "$2" ] || die "nm finds no names in $1"
 }
 
+# Sizes of the public types. abidiff does not look at types that are reached through another library's templates only.
+sizes() { sed -nE "s/.*<class-decl name='([^']*)' size-in-bits='([0-9]+)'.*/\1 has \2 bits/p" "$1" | sort -u; }
+
 is_whole() { [ "$(tail -n1 "$1")" = '</abi-corpus>' ]; }
 
 # abidiff's report, and its status: bits 4 and 8 for changes. It may end with 0 over a file that it cannot read, but says
@@ -58,6 +61,10 @@ difference() {  # difference OLD NEW REPORT
   is_whole "$1" || return 1
   abidiff "$1" "$2" >"$3" 2>"$3.errors" || status=$?
   [ ! -s "$3.errors" ] || return 1
+  if diff <(sizes "$1") <(sizes "$2") >"$3.sizes"; then return "$status"; fi
+  sed -nE 's/^< (.*)/size changed from: \1/p; s/^> (.*)/  to: \1/p' "$3.sizes" >>"$3"
+  status=$((status | 4))
+  ! grep -q '^<' "$3.sizes" || status=$((status | 8))
   return "$status"
 }
 

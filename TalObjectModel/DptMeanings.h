@@ -12,7 +12,7 @@ struct Meaning {
   const char* example;
 };
 
-/// Main types that the one-step conversions know and the map's table does not list.
+/// Main types that have a row of kMainTypes and none of the map's table.
 struct OtherMeaning {
   std::uint16_t main;
   Meaning meaning;
@@ -34,8 +34,8 @@ constexpr OtherMeaning kOtherMeanings[] = {
     {222, {"three two-octet floats",                    "", ""}},
     {229, {"metering value with status",                "", ""}},
     {230, {"meter bus address",                         "", ""}},
-    {234, {"language, two letters of ISO 639-1",        "", "25966"}},
-    {237, {"diagnosis of a light's control gear",       "", "129"}},
+    {234, {"language or region, two letters",        "", "25966"}},
+    {237, {"DALI: diagnosis of control gear",       "", "129"}},
 };
 
 /// The fields of a layout from the first bit on the wire to the last: "name:bits", several of a kind as

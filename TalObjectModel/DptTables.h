@@ -125,15 +125,15 @@ constexpr DptRow kDptRows[] = {
     { 18,   0,   8, avtInteger,  AroDP::astScene,    Make<KnxConverterSceneControl>,          Same(0, 63),                   {"scene control",                           "",     "133"}},
     { 19,   0,  64, avtDateTime, AroDP::astGeneric,  Make<KnxConverterDateTime>,              {},                            {"date with time",                          "",     "2023-01-01T12:30:15"}},
     { 20,   0,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 255),                  {"choice of modes",                         "",     "1"}},
-    { 20, 102,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 4),                    {"heating mode",                            "",     "1"}},
-    { 20, 103,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 4),                    {"hot water mode",                          "",     "2"}},
+    { 20, 102,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 4),                    {"HVAC mode",                               "",     "1"}},
+    { 20, 103,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 4),                    {"domestic hot water mode",                 "",     "2"}},
     { 21,   0,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 255),                  {"eight status bits",                       "",     "5"}},
     { 23,   0,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 255),                  {"choice of two bits",                      "",     "2"}},
     { 26,   0,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterSceneInfo>,             {-64, 64, 0, 255},             {"scene information",                       "",     "69"}},
     { 27,   0,  32, avtDWord,    AroDP::astGeneric,  Make<KnxConverterInteger32BitUnsigned>,  Same(0, 4294967295),           {"sixteen switches with mask",              "",     "196609"}},
     {236,   0,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 255),                  {"control with priority",                   "",     "18"}},
     {232,   0,  24, avtDWord,    AroDP::astGeneric,  Make<KnxConverterInteger24BitUnsigned>,  Same(0, 16777215),             {"colour",                                  "",     "#FF8000"}},
-    {238,   0,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 255),                  {"diagnosis of a light",                    "",     "65"}},
+    {238,   0,   8, avtByte,     AroDP::astGeneric,  Make<KnxConverterByte8BitUnsigned>,      Same(0, 255),                  {"DALI: diagnosis of a lamp",               "",     "65"}},
 };
 // clang-format on
 

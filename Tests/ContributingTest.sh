@@ -4,4 +4,5 @@ set -euo pipefail
 cd "$1"
 change=$(sed -n '/^```diff$/,/^```$/{/^```/d;p}' CONTRIBUTING.md)
 [ "$(grep -c '^+++ b/' <<<"$change")" -eq 2 ] || { echo "the example is not there"; exit 1; }
-patch --dry-run --batch --forward --fuzz=0 -p1 <<<"$change"
+applies() { patch --dry-run --batch --fuzz=0 -p1 "$1" <<<"$change"; }
+applies --forward || applies --reverse  # or it has been

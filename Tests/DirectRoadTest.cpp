@@ -65,6 +65,19 @@ TEST(AroValueToGroupValue, RefusesWithOneRecordOrInSilenceAndLetsTheCalendarsErr
   ForEachCase("DirectRoad.txt", "refused values", [](const Case& c) { EXPECT_EQ(Written(c[0], Value(c[1])), c[2]); });
 }
 
+TEST(AroValueToGroupValue, TakesOneTypeForEachMainTypeThatItEncodes) {
+  const ScopedLogCapture quiet(Tal::LogLevel::Fatal);
+  std::vector<unsigned> encoded;
+  for (unsigned main = 0; main <= 300; ++main) {
+    for (int type = avtEmpty; type <= 20; ++type) {
+      const AROVALUE value = Timed(static_cast<AroValueType>(type), Time(2023, 1, 1, 0, 0, 0));
+      if (Tal::AroValueToGroupValue(value, Dpt(main))) encoded.push_back(main);
+    }
+  }
+  EXPECT_THAT(encoded, testing::ElementsAre(1, 2, 3, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22,
+                                            23, 26, 27, 217, 232, 234, 237, 238));
+}
+
 TEST(AroValueToGroupValue, NamesItselfInItsRecords) {
   ScopedLogCapture log;
   AroValueToGroupValue(Value("7=8:65536"), Dpt(7));

@@ -71,9 +71,8 @@ void ReadObjectNumber(const Json& json, const Place& place, CommunicationObject&
 /// A text for people: not empty, on one line.
 std::string ReadTitle(const Json& json, const Place& place) {
   std::string title = ReadText(json, place);
-  const auto isControl = [](unsigned char c) { return c < 0x20 || c == 0x7F; };
   if (title.empty()) place.Fail("the text is empty");
-  if (std::any_of(title.begin(), title.end(), isControl)) place.Fail(Quoted(title) + " has control characters");
+  if (Notation::OneLine(title) != title) place.Fail(Quoted(title) + " has control characters");
   return title;
 }
 

@@ -165,6 +165,7 @@ std::vector<Telegram> ReadTelegramLog(std::istream& in, const std::string& name)
     };
     if (line.size() > kMaxTelegramLine) fail("the line is longer than " + std::to_string(kMaxTelegramLine) + " octets");
     if (!line.empty() && line.back() == '\r') line.pop_back();
+    if (number == 1 && line.rfind("\xEF\xBB\xBF", 0) == 0) line.erase(0, 3);
     const std::size_t start = line.find_first_not_of(" \t");
     if (start == line.npos || line[start] == '#') continue;
     Telegram telegram;

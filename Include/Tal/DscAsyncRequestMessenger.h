@@ -84,7 +84,7 @@ class TALOBJECTMODEL_EXPORT DscAsyncRequestMessenger : public Vanta::IDeviceStac
   bool SetDeviceConfig(std::map<std::string, std::string> entries);
 
   /// An answer from the client, which calls this on its own thread. The first argument is not looked at. An error
-  /// leaves one ERROR record; an answer to an id that nobody waits for is dropped.
+  /// leaves one ERROR record, and another one when nobody waits for its id; such an answer is dropped.
   /// @{
   void OnResponse(void* context, const std::string& requestId, const std::string& response,
                   const IError& error) override;

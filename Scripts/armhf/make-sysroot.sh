@@ -5,8 +5,11 @@
 set -euo pipefail
 die() { printf 'error: %s\n' "$*" >&2; exit 1; }
 
+[ "${1-}" != --help ] || { sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$0"; exit 0; }
 [ $# -eq 1 ] || die "expected FOLDER"
-target=$(realpath -m "$1")
+target=$(realpath -m -- "$1")
+[ ! -e "$target" ] || [ -d "$target/usr/lib/arm-linux-gnueabihf" ] || [ -z "$(ls -A "$target")" ] ||
+  die "$target holds something else: expected a new folder, or an older one of this script"
 release=bookworm
 packages=(libc6-dev libstdc++-12-dev libboost-{thread,chrono,date-time,timer,system}1.74-dev liblog4cplus-dev
   librapidxml-dev libutfcpp-dev libcli11-dev nlohmann-json3-dev libgtest-dev libgmock-dev libubsan1)
@@ -33,7 +36,7 @@ export APT_CONFIG=$work/apt.conf
 { apt-get -qq update && apt-get -qq -y --download-only install "${packages[@]}"; } >"$work/log" 2>&1 ||
   die "cannot get the packages from $mirror: $(grep -m1 '^E: ' "$work/log" || tail -n1 "$work/log")"
 
-rm -rf "$target.new" "$target"
+rm -rf --one-file-system "$target.new" "$target"
 mkdir -p "$target.new/usr/lib"
 ln -s usr/lib "$target.new/lib"
 for package in "$work"/cache/archives/*.deb; do

@@ -107,9 +107,9 @@ class EmbeddedDeviceStackTest : public testing::Test {
     if (verb == "hear") stack.WaitUntilIdle();
     if (verb == "hear" || verb == "events") return join(std::exchange(events, {}), " / ");
     if (verb == "sent") return join(std::exchange(bus.sent, {}), " / ");
-    if (verb == "cut") bus.isCut = true;
-    if (verb == "break") bus.isBroken = true;
-    if (verb == "internal") adapter.EnableInternalValueFormat();
+    if (verb == "cut") return bus.isCut = true, "";
+    if (verb == "break") return bus.isBroken = true, "";
+    if (verb == "internal") return adapter.EnableInternalValueFormat(), "";
     if (verb == "device") return stack.SetDeviceConfig(Entries(text)) ? "done" : "refused";
     if (verb == "change") {
       static const std::map<std::string, unsigned> types = {{"name", 1},  {"dpt", 2},     {"groupAddress", 3},
@@ -120,6 +120,7 @@ class EmbeddedDeviceStackTest : public testing::Test {
       }
       return stack.SetConfiguration(static_cast<unsigned>(id()), properties) ? "done" : "refused";
     }
+    ADD_FAILURE() << "nobody can " << verb;
     return "";
   }
   void Converse(const std::string& section) {

@@ -49,6 +49,8 @@ expect() {
 expect temperature "9.001 9.002 9.003 9.023 9.027"
 expect "TEMPERATURE+%C2%B0C" "9.001"
 expect dpst-20-102 "20.102"
+expect "temperature%20%C2%B0F" "9.027"
+expect "K/%" "9.023"
 expect "no%20such%20thing" ""
 grep -q '>nothing found<' "$scratch/dom.html" || fail "an empty result is not said"
 

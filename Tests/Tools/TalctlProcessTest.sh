@@ -22,6 +22,12 @@ run() {
   err=$(<err)
 }
 
+# ---- outputs that are closed, values that are missing ----
+run "${talctl[@]}" encode 9.001 21 >&-
+expect 'closed output' "$status $err" '1 talctl: standard output cannot be written'
+run "${talctl[@]}" dpts --html= --json >/dev/null
+expect 'option without value' "$status ${err%%$'\n'*} $(ls)" '2 talctl: --html: the value is missing err'
+
 # ---- files ----
 mkdir folder
 touch forbidden

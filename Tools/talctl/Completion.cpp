@@ -7,6 +7,7 @@
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/split.hpp>
 #include <boost/algorithm/string/trim.hpp>
+#include <filesystem>
 #include <map>
 #include <ostream>
 
@@ -19,6 +20,8 @@ namespace Talctl {
 namespace {
 
 using Words = std::vector<std::string>;
+
+const Words kFile = {":file"};
 
 bool TakesValue(const CLI::Option& option) { return option.get_expected_min() > 0; }
 
@@ -38,8 +41,8 @@ struct Before {
   bool isLost = false;  ///< there is no such command
 };
 
-Before Look(const CLI::App& app, const Words& words) {
-  Before before;
+/// Adds to @p before what words that follow are.
+void Look(const CLI::App& app, const Words& words, Before& before) {
   for (const std::string& word : words) {
     const CLI::Option* const option = before.isBehindDashes ? nullptr : FindOption(app, before.command, word);
     if (before.pending != nullptr) {
@@ -58,7 +61,6 @@ Before Look(const CLI::App& app, const Words& words) {
       before.operands.push_back(word);
     }
   }
-  return before;
 }
 
 /// What the next operand is, in the words of the command's usage: "DPT", "ID|NAME", "FILE"; empty: there is none.
@@ -82,6 +84,7 @@ std::vector<DeviceStack::CommunicationObject> ObjectsOf(const Before& before) {
   HouseOptions options;
   const auto given = before.values.find("--installation");
   if (given != before.values.end()) options.installation = given->second;
+  if (options.installation && !std::filesystem::is_regular_file(*options.installation)) return {};  // might wait
   return InstallationOf(options).objects;
 }
 
@@ -104,7 +107,7 @@ Words ValuesFor(const Before& before) {
 Words OperandsFor(const Before& before, const std::string& word) {
   const std::string operand = OperandAfter(before);
   Words words;
-  if (operand == "FILE") return {":file"};
+  if (operand == "FILE") return kFile;
   if (operand == "DPT") return KnownDpts(RoadOf(before));
   if (operand == "VALUE") return ValuesFor(before);
   if (operand == "ID|NAME") {
@@ -115,9 +118,7 @@ Words OperandsFor(const Before& before, const std::string& word) {
   return words;
 }
 
-Words ValuesOf(const CLI::Option& option) {
-  return option.get_type_name() == "FILE" ? Words{":file"} : ChoicesOf(option);
-}
+Words ValuesOf(const CLI::Option& option) { return option.get_type_name() == "FILE" ? kFile : ChoicesOf(option); }
 
 /// What may stand instead of @p word.
 Words Candidates(const CLI::App& app, const Before& before, const std::string& word) {
@@ -127,7 +128,7 @@ Words Candidates(const CLI::App& app, const Before& before, const std::string& w
   if (option != nullptr && word.find('=') != word.npos) {
     Words values = ValuesOf(*option);
     for (std::string& value : values) {
-      if (value != ":file") value.insert(0, word, 0, word.find('=') + 1);
+      if (values != kFile) value.insert(0, word, 0, word.find('=') + 1);
     }
     return values;
   }
@@ -173,10 +174,19 @@ void Complete(const CLI::App& app, const Words& arguments, std::ostream& out) {
   const auto current = first + static_cast<std::ptrdiff_t>(std::min(index, arguments.size() - 1));
   const std::string word = current == arguments.end() ? "" : *current;
   try {
-    const Before before = Look(app, {first, current});
+    Before before;
+    Look(app, {first, current}, before);
     if (before.isLost) return;
-    for (const std::string& candidate : Candidates(app, before, word)) {
-      if (candidate == ":file" || candidate.rfind(word, 0) == 0) out << candidate << '\n';
+    if (current != arguments.end()) {  // options may also stand behind
+      Before all = before;
+      all.pending = nullptr;
+      Look(app, {current + 1, arguments.end()}, all);
+      before.values.insert(all.values.begin(), all.values.end());
+    }
+    const Words candidates = Candidates(app, before, word);
+    const bool isFile = candidates == kFile;
+    for (const std::string& candidate : candidates) {
+      if (isFile || candidate.rfind(word, 0) == 0) out << candidate << '\n';
     }
   } catch (const std::exception&) {  // an installation that cannot be read has no names
   }

@@ -27,7 +27,9 @@ ExitStatus ConfigCommand::Run(const Invocation& invocation) {
   const std::string path = isGiven ? invocation.operands[0] : Tal::AppHostConfiguration::ConfigurationFile();
   ReasonLog log(invocation.options.logLevel, invocation.streams.err);
   Tal::AppHostConfiguration configuration;
-  const bool isMissing = !isGiven && !std::filesystem::exists(path);
+  std::error_code error;
+  const bool isMissing =
+      !isGiven && std::filesystem::status(path, error).type() == std::filesystem::file_type::not_found;
   if (isMissing) {
     invocation.streams.err << OneLine(path) << ": there is no such file, so every setting has its default\n";
   }

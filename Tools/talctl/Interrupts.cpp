@@ -62,4 +62,9 @@ void Interrupts::WaitToRead(int descriptor) {
   }
 }
 
+bool IsReaderGone(int descriptor) {
+  pollfd pipe{descriptor, POLLOUT, 0};
+  return descriptor >= 0 && ::poll(&pipe, 1, 0) == 1 && (pipe.revents & POLLERR) != 0;
+}
+
 }  // namespace Talctl

@@ -1,4 +1,4 @@
-// Signals that ask a command to end.
+// What ends a command early: signals that ask for it, a reader that goes away.
 #pragma once
 
 #include <csignal>
@@ -24,5 +24,8 @@ class Interrupts {
   static constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
   struct sigaction m_previous[3];
 };
+
+/// True when nobody is left to read a pipe.
+bool IsReaderGone(int descriptor);
 
 }  // namespace Talctl

@@ -11,13 +11,12 @@
 
 namespace {
 
-/// Takes the places of standard streams that are closed, so that no file gets what is meant for them.
+/// Takes the places of standard streams that are closed, so that no file gets what is meant for them: an input without
+/// lines, outputs that cannot be written.
 void FillStandardStreams() {
-  int descriptor = 0;
-  do {
-    descriptor = ::open("/dev/null", O_RDWR);
-  } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
-  if (descriptor > STDERR_FILENO) ::close(descriptor);
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (::fcntl(descriptor, F_GETFD) == -1) ::open("/dev/null", O_RDONLY);
+  }
 }
 
 /// A terminal that does more than a typewriter.

@@ -103,7 +103,8 @@ ExitStatus MonitorCommand::Run(const Invocation& invocation) {
       const auto isStopped = [&] { return Interrupts::Signal() != 0 || isBroken; };
       bus.Play(isStopped);
       house.Stack().WaitUntilIdle();
-      while (waits && !isStopped()) std::this_thread::sleep_for(std::chrono::milliseconds(50));
+      while (waits && !isStopped() && !IsReaderGone(invocation.streams.outDescriptor))
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
     }
     const DeviceStack::Counters counters = house.Stack().GetCounters();
     PrintSummary(invocation, counters);

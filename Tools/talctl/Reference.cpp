@@ -39,9 +39,10 @@ Conversion Example(const Dpt& dpt, Road road, const std::string& example, Reason
   return whole.groupValue || dpt.sub != 0 ? whole : Encode(FormatDpt({dpt.main, 1}), example, road, log);
 }
 
-bool IsDecoded(const Dpt& dpt, Road road, const KnxStack::GroupValue& groupValue, ReasonLog& log) {
-  const auto decodes = [&](const Dpt& tried) { return Decode(tried, groupValue, road, log).error.empty(); };
-  return decodes(dpt) || (dpt.sub == 0 && decodes({dpt.main, 1}));
+/// What a road reads of a group value: of the datapoint type, or where it reads nothing as that, of its first sub type.
+Conversion DecodedExample(const Dpt& dpt, Road road, const KnxStack::GroupValue& groupValue, ReasonLog& log) {
+  const Conversion whole = Decode(dpt, groupValue, road, log);
+  return whole.value || dpt.sub != 0 ? whole : Decode(Dpt{dpt.main, 1}, groupValue, road, log);
 }
 
 /// The octets that a road reads of a type of at most eight bits: "the octets 00 to 3F, 80 to BF"; "" when it reads them
@@ -52,8 +53,8 @@ std::string OctetsRead(const Dpt& dpt, Road road, unsigned bits, ReasonLog& log)
   unsigned rangeCount = 0;
   unsigned read = 0;
   for (unsigned octet = 0, first = 0; octet <= count; ++octet) {
-    const bool isRead =
-        octet < count && IsDecoded(dpt, road, KnxStack::GroupValue({static_cast<std::uint8_t>(octet)}, bits), log);
+    const KnxStack::GroupValue groupValue({static_cast<std::uint8_t>(octet)}, bits);
+    const bool isRead = octet < count && DecodedExample(dpt, road, groupValue, log).value;
     if (isRead) {
       ++read;
       continue;
@@ -71,20 +72,36 @@ std::string OctetsRead(const Dpt& dpt, Road road, unsigned bits, ReasonLog& log)
                                     : "the octets " + ranges;
 }
 
-RoadFacts FactsOf(const Dpt& dpt, Road road, const Conversion& example, bool isDecoded, ReasonLog& log) {
+/// " (26.001 only)" for a conversion that only the first sub type takes.
+std::string OnlyFirst(const Dpt& dpt, const Conversion& conversion) {
+  const bool isOther = conversion.dpt && conversion.dpt->sub != dpt.sub;
+  return isOther ? " (" + FormatDpt(*conversion.dpt) + " only)" : "";
+}
+
+/// @param sent  an example of what goes over the bus, from any road.
+RoadFacts FactsOf(const Dpt& dpt, Road road, const Conversion& example, const Conversion& sent, ReasonLog& log) {
   RoadFacts facts;
   facts.isEncoded = example.groupValue.has_value();
-  facts.isDecoded = isDecoded;
   if (facts.isEncoded) facts.octets = example.groupValue->GetRawData();
-  if (!facts.isEncoded && !isDecoded) {
+  Conversion read;
+  if (sent.groupValue) read = DecodedExample(dpt, road, *sent.groupValue, log);
+  const auto* const main = road == Road::Direct ? FindMainType(dpt) : nullptr;
+  facts.isDecoded = read.value || (main != nullptr && main->isDecoded);
+  if (!facts.isEncoded && !facts.isDecoded) {
     facts.values = "not converted";
     return facts;
   }
-  facts.values = std::string(AROVALUE::GetNameFromValueType(ValueTypeOf(dpt, road))) + ": " +
-                 (facts.isEncoded ? Expectation(dpt, road) : std::string("received only"));
+  const auto nameOf = [](std::int32_t type) {
+    return std::string(AROVALUE::GetNameFromValueType(static_cast<AroValueType>(type)));
+  };
+  const std::string type = nameOf(ValueTypeOf(dpt, road));
+  const std::string typeRead = read.value ? nameOf(read.value->avt) : type;
+  facts.values =
+      facts.isEncoded ? type + ": " + Expectation(dpt, road) + OnlyFirst(dpt, example) : typeRead + ": received only";
+  if (facts.isEncoded && typeRead != type) facts.values += "; read as " + typeRead;
   const boost::optional<unsigned> bits = Tal::DescribeExpectedBits(dpt.main);
-  const std::string read = bits && *bits <= 8 ? OctetsRead(dpt, road, *bits, log) : "";
-  if (!read.empty()) facts.values += "; reads only " + read;
+  const std::string octetsRead = bits && *bits <= 8 ? OctetsRead(dpt, road, *bits, log) : "";
+  if (!octetsRead.empty()) facts.values += "; reads only " + octetsRead + OnlyFirst(dpt, read);
   return facts;
 }
 
@@ -97,16 +114,10 @@ ReferenceRow Describe(const Dpt& dpt, const Tal::DptMeaning& meaning, const std:
   row.bits = bits ? std::to_string(*bits) : "any";
   row.differences = differences;
   const Conversion direct = Example(dpt, Road::Direct, meaning.example, log);
-  const Tal::MainTypeDescription* const main = FindMainType(dpt);
-  row.direct = FactsOf(dpt, Road::Direct, direct, main != nullptr && main->isDecoded, log);
-  if (FindDptRow(dpt) == nullptr) {
-    row.map.values = "not converted";
-    return row;
-  }
-  const Conversion map = Example(dpt, Road::Map, meaning.example, log);
+  const Conversion map = FindDptRow(dpt) != nullptr ? Example(dpt, Road::Map, meaning.example, log) : Conversion();
   const Conversion& sent = map.groupValue ? map : direct;
-  const bool isDecoded = sent.groupValue && IsDecoded(dpt, Road::Map, *sent.groupValue, log);
-  row.map = FactsOf(dpt, Road::Map, map, isDecoded, log);
+  row.direct = FactsOf(dpt, Road::Direct, direct, sent, log);
+  row.map = FactsOf(dpt, Road::Map, map, FindDptRow(dpt) != nullptr ? sent : Conversion(), log);
   return row;
 }
 

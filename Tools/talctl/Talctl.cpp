@@ -1,7 +1,5 @@
 #include "Talctl.h"
 
-#include <poll.h>
-
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <boost/algorithm/string/join.hpp>
@@ -15,6 +13,7 @@
 #include "Choice.h"
 #include "Commands.h"
 #include "Completion.h"
+#include "Interrupts.h"
 #include "ManPage.h"
 #include "Suggestion.h"
 
@@ -159,6 +158,10 @@ Arguments Separate(const CLI::App& app, CommandLine& line) {
     if (isOption) {
       separated.options.push_back(argument);
       const bool isAlone = name.size() == argument.size();
+      if (name.size() + 1 == argument.size() &&
+          option->get_expected_min() > 0) {  // the parser would take the next word
+        throw WrongUse(name + ": the value is missing", AtArgument(i, argument.size()));
+      }
       const bool takesNext = option->get_expected_min() > 0 && isAlone && i + 1 < arguments.size();
       if (takesNext) separated.options.push_back(arguments[++i]);
       line.AddOption(option->get_name(), i, takesNext || isAlone ? 0 : name.size() + 1);
@@ -168,12 +171,6 @@ Arguments Separate(const CLI::App& app, CommandLine& line) {
     }
   }
   return separated;
-}
-
-/// True when nobody is left to read a pipe.
-bool IsReaderGone(int descriptor) {
-  pollfd pipe{descriptor, POLLOUT, 0};
-  return descriptor >= 0 && ::poll(&pipe, 1, 0) == 1 && (pipe.revents & POLLERR) != 0;
 }
 
 /// @p status, unless the output cannot be written. A reader who has gone away has had enough, which is not worth a
