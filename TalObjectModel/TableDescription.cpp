@@ -10,13 +10,6 @@
 namespace Tal {
 namespace {
 
-constexpr bool IsListed(std::uint16_t main, std::uint16_t sub) {
-  for (const DptRow& row : kDptRows) {
-    if (row.main == main && row.sub == sub) return true;
-  }
-  return false;
-}
-
 /// The meaning of a main type: the map's row for the whole of it, or else one of the others.
 constexpr const Meaning* MeaningOf(std::uint16_t main) {
   for (const DptRow& row : kDptRows) {
@@ -29,11 +22,11 @@ constexpr const Meaning* MeaningOf(std::uint16_t main) {
 }
 
 constexpr bool EachMainTypeHasOneMeaning() {
-  for (const MainType& row : kMainTypes) {
+  for (const MainType& row : kMainTypes) {  // NOLINT(readability-use-anyofallof): constexpr from C++20 on only
     if (MeaningOf(row.main) == nullptr) return false;
   }
   for (const OtherMeaning& row : kOtherMeanings) {
-    if (IsListed(row.main, 0)) return false;
+    if (MeaningOf(row.main) != &row.meaning) return false;
   }
   return true;
 }
