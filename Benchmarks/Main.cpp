@@ -174,8 +174,8 @@ int main(int argc, char** argv) {
 
   Operations all;
   AddBaselines(all);
-  AddDirectRoad(all);
-  AddMapRoad(all);
+  AddDirectConversion(all);
+  AddTableConversion(all);
   AddTexts(all);
   AddIdentifiers(all);
   AddMessenger(all);

@@ -1,5 +1,5 @@
 #include <DeviceStack/EmbeddedDeviceStack.h>
-#include <DeviceStack/LoopbackBus.h>
+#include <Knx/LoopbackBus.h>
 #include <Tal/DscAsyncRequestMessenger.h>
 
 #include <atomic>
@@ -45,7 +45,7 @@ class Rig {
   }
 
  private:
-  DeviceStack::LoopbackBus m_bus;
+  Knx::LoopbackBus m_bus;
   std::unique_ptr<Pin> m_pin;
   DeviceStack::EmbeddedDeviceStack m_stack;
   Tal::RemoteRequestMessengerDeviceStack m_adapter;

@@ -30,8 +30,8 @@ inline void Keep(const T& value) {
 
 // One function for each module, in the order of the table.
 void AddBaselines(Operations& operations);
-void AddDirectRoad(Operations& operations);
-void AddMapRoad(Operations& operations);
+void AddDirectConversion(Operations& operations);
+void AddTableConversion(Operations& operations);
 void AddTexts(Operations& operations);
 void AddIdentifiers(Operations& operations);
 void AddMessenger(Operations& operations);

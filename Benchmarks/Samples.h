@@ -13,8 +13,8 @@ namespace Bench {
 struct Sample {
   std::string name;  ///< "9.001"
   KNXDPT dpt;
-  AROVALUE direct;  ///< what the direct road encodes
-  AROVALUE map;     ///< what the map road encodes
+  AROVALUE direct;  ///< what the direct converter encodes
+  AROVALUE map;     ///< what the table converter encodes
   KnxStack::GroupValue groupValue;
 
   unsigned long Number() const { return static_cast<unsigned long>(dpt.main) << 16 | dpt.sub; }

@@ -63,10 +63,10 @@ void AddTalctl(Operations& operations) {
                           1, kLines, true, false});
   };
   add("encode", values, "encode");
-  add("encode_map", values, "encode --road map");
+  add("encode_map", values, "encode --converter table");
   add("encode_json", values, "encode --json");
-  add("decode_map", octets, "decode --road map");
-  add("decode_map_json", octets, "decode --road map --json");
+  add("decode_map", octets, "decode --converter table");
+  add("decode_map_json", octets, "decode --converter table --json");
   const auto start = [&](const std::string& name, const std::string& baseline, const std::string& command) {
     operations.push_back({name, baseline,
                           [command](std::size_t times) {

@@ -1,7 +1,7 @@
 # What cmake --install puts where. Components: runtime, development, tools, documentation. Nothing of it names the place
 # where it stands, so that the whole can be moved.
 #
-# Headers get a folder of their own: names like Notation/ are too common for one that all libraries share.
+# Headers get a folder of their own: names like Format/ are too common for one that all libraries share.
 option(TAL_INSTALL "Make install rules" ${PROJECT_IS_TOP_LEVEL})
 set(CMAKE_INSTALL_DOCDIR share/doc/talobjectmodel CACHE STRING "Where documents go")
 include(GNUInstallDirs)

@@ -1,7 +1,7 @@
 // An application: registers, reads a temperature, and switches the heating. Here the house is inside the process; with
 // a client of a device-stack service elsewhere, only main() changes.
 #include <DeviceStack/EmbeddedDeviceStack.h>
-#include <DeviceStack/LoopbackBus.h>
+#include <Knx/LoopbackBus.h>
 #include <Tal/AroValueHelper.h>
 #include <Tal/DscAsyncRequestMessenger.h>
 
@@ -30,7 +30,7 @@ bool ControlHeating(Tal::DscAsyncRequestMessenger& messenger) {
 }
 
 int main() {
-  DeviceStack::LoopbackBus bus;
+  Knx::LoopbackBus bus;
   DeviceStack::EmbeddedDeviceStack service(DeviceStack::ParseInstallation(R"({
       "name": "flat", "address": "1.1.1", "objects": [
         {"device": 1, "number": 1, "name": "temperature", "dpt": "9.001", "groupAddress": "1/0/1",

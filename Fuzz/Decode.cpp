@@ -12,7 +12,7 @@ namespace {
 
 using KnxStack::GroupValue;
 
-/// Main types whose values do not come back, as Docs/Roads.md tells.
+/// Main types whose values do not come back, as Docs/Converters.md tells.
 bool IsOneWayDirect(unsigned main) {
   return main == 23      // what is sent has 2 bits, and 8 are received
          || main == 31;  // received only

@@ -74,7 +74,7 @@ void Map(const KNXDPT& given, const AROVALUE& value) {
   if (!isEncoded || !ComesBack(dpt, value) || !converter.FromKnxValue(dpt, sent, received)) return;
   if (received.avt == avtEmpty || received.avt == avtInvalid || dpt.main == 19) return;  // 19.x: no weekday comes back
   GroupValue again;
-  const bool isOneWay = dpt.main == 2 || dpt.main == 3 || dpt.main == 17 || dpt.main == 18;  // see Docs/Roads.md
+  const bool isOneWay = dpt.main == 2 || dpt.main == 3 || dpt.main == 17 || dpt.main == 18;  // see Docs/Converters.md
   const bool isEncodedAgain = converter.ToKnxValue(dpt, received, again);
   FUZZ_CHECK(isEncodedAgain || isOneWay, Fuzz::Shown(received));
   if (!isEncodedAgain) return;

@@ -35,9 +35,9 @@ const std::vector<std::unique_ptr<Tool>>& Tools() {
   static const auto tools = [] {
     std::vector<std::unique_ptr<Tool>> all;
     all.push_back(std::make_unique<Tool>(std::make_unique<EncodeCommand>(), "encode"));
-    all.push_back(std::make_unique<Tool>(std::make_unique<EncodeCommand>(), "encode --road map"));
+    all.push_back(std::make_unique<Tool>(std::make_unique<EncodeCommand>(), "encode --converter table"));
     all.push_back(std::make_unique<Tool>(std::make_unique<DecodeCommand>(), "decode"));
-    all.push_back(std::make_unique<Tool>(std::make_unique<DecodeCommand>(), "decode --road map"));
+    all.push_back(std::make_unique<Tool>(std::make_unique<DecodeCommand>(), "decode --converter table"));
     all.push_back(std::make_unique<Tool>(std::make_unique<CheckCommand>(), "check"));
     return all;
   }();

@@ -1,5 +1,5 @@
 // Any text as a telegram log: refused in one line, or written and read back the same.
-#include <DeviceStack/TelegramLog.h>
+#include <Knx/TelegramLog.h>
 
 #include <sstream>
 
@@ -10,7 +10,7 @@ namespace {
 std::string Rewritten(const std::string& text, const std::string& name) {
   std::istringstream in(text);
   std::string written;
-  for (const DeviceStack::Telegram& telegram : DeviceStack::ReadTelegramLog(in, name)) {
+  for (const Knx::Telegram& telegram : Knx::ReadTelegramLog(in, name)) {
     written += FormatTelegram(telegram) + '\n';
   }
   return written;
@@ -23,7 +23,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   try {
     const std::string written = Rewritten(std::string(reinterpret_cast<const char*>(data), size), "input");
     FUZZ_CHECK(Rewritten(written, "written") == written, written);
-  } catch (const DeviceStack::TelegramLogError& error) {
+  } catch (const Knx::TelegramLogError& error) {
     const std::string reason = error.what();
     FUZZ_CHECK(reason.rfind("input:", 0) == 0 && Fuzz::IsOneLine(reason), reason);
     FUZZ_CHECK(AROVALUE::EnsureUTF8(reason) == reason, reason);

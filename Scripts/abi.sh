@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Compares the binary interface of the shared libraries with the one in Interface/, or accepts the new one:
+# Compares the binary interface of the shared libraries with the one in abi/, or accepts the new one:
 #   Scripts/abi.sh check|accept [PRESET...]
 # Presets: dev (the default; this machine's architecture) and armhf. Builds what it needs.
 # Exit status: 0 no change, 1 changed or failed, 2 wrong use.
@@ -7,7 +7,7 @@ set -euo pipefail
 root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
 source "$root/Scripts/setup.sh"
 export LC_ALL=C
-interface=$root/Interface
+interface=$root/abi
 
 answer_help "$@"
 [ $# -gt 0 ] || wrong_use "nothing to do"
@@ -95,7 +95,7 @@ compare() {  # compare NAME ARCHITECTURE FOLDER-WITH-NEW
   difference "$old" "$new.abi" "$new.report" || status=$?
   [ $((status & 3)) -eq 0 ] || {
     [ ! -s "$new.report.errors" ] || cat "$new.report.errors" >&2
-    die "cannot read Interface/$arch/$name.abi; Scripts/abi.sh accept writes it anew"
+    die "cannot read abi/$arch/$name.abi; Scripts/abi.sh accept writes it anew"
   }
   [ "$status" -ne 0 ] || [ ! "$are_names_same" ] || return 0
   if grep -q '^<' "$new.names"; then
@@ -113,7 +113,7 @@ compare() {  # compare NAME ARCHITECTURE FOLDER-WITH-NEW
   return 1
 }
 
-# Writes what differs to Interface/; first all of it beside, so that nothing is half written.
+# Writes what differs to abi/; first all of it beside, so that nothing is half written.
 accept() {  # accept ARCHITECTURE... with what is built in $built
   local arch file name next kept=() gone=()
   next=$(mktemp -d "$interface/.accept.XXXXXX")
@@ -154,16 +154,16 @@ accept() {  # accept ARCHITECTURE... with what is built in $built
   for file in "${kept[@]}"; do
     mkdir -p "$(dirname "$file")"
     mv "$next/$file" "$file"
-    say "  written  Interface/$file"
+    say "  written  abi/$file"
   done
   for file in "${gone[@]}"; do
     rm "$file"
-    say "  removed  Interface/$file"
+    say "  removed  abi/$file"
   done
   if [ ${#kept[@]} -eq 0 ] && [ ${#gone[@]} -eq 0 ]; then
     say "the interface is unchanged ($*)"
   else
-    say "accepted: Interface/ describes what is built ($*); commit it with the change"
+    say "accepted: abi/ describes what is built ($*); commit it with the change"
   fi
 }
 

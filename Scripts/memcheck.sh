@@ -67,6 +67,6 @@ else
   for program in platform_tests allocation_tests internal_tests devicestack_tests talctl_tests golden_tests; do
     check "$program" '-*UnderLoad' || failed=yes
   done
-  check objectmodel_tests '-*UnderLoad:DirectRoad.*:GroupValueToAroValue.*' || failed=yes
+  check objectmodel_tests '-*UnderLoad:DirectConversion.*:GroupValueToAroValue.*' || failed=yes
 fi
 [ ! "$failed" ] || die "errors of memory, leaks, failed tests or none"

@@ -12,7 +12,7 @@ cd "$root"
 output=$root/build/reference
 rm -rf "$output"
 mkdir -p "$output"
-folders=(Include Platform/*/Include DeviceStack/Include Notation/Include)
+folders=(Include Platform/*/Include DeviceStack/Include Format/Include)
 # Paths in quotes, as doxygen wants them; sed takes none of their characters for its own.
 list() { printf '"%s" ' "$@"; }
 escaped() { sed 's/[\\&|]/\\&/g' <<<"$1"; }

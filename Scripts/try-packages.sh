@@ -59,7 +59,7 @@ try_native() {
   cp -a /etc/apt "$work/etc/apt"
   cp -L /etc/resolv.conf "$work/etc/resolv.conf"
   mkdir "$work/home/new"
-  cp "$root/build/packages/$native"/*.deb "$root/Tests/Consumer"/* "$work/home/new"
+  cp "$root/build/packages/$native"/*.deb "$root/Tests/Project/Consumer"/* "$work/home/new"
 
   say "installing"
   in_debian sh -ec 'cd /home/new; apt-get -qq update; apt-get -qq -y --no-install-recommends install ./*.deb g++ cmake make \

@@ -12,7 +12,7 @@ struct Meaning {
   const char* example;
 };
 
-/// Main types that have a row of kMainTypes and none of the map's table.
+/// Main types that have a row of kMainTypes and none of the table's table.
 struct OtherMeaning {
   std::uint16_t main;
   Meaning meaning;

@@ -1,4 +1,4 @@
-// The knowledge of the map-driven converter as data.
+// The knowledge of the table converter-driven converter as data.
 #pragma once
 
 #include <BasePlatform/AroDP.h>

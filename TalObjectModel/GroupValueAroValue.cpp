@@ -9,7 +9,7 @@
 #include <cmath>
 
 #include "AroTimeFields.h"
-#include "DirectRoad.h"
+#include "DirectConversion.h"
 #include "KnxWire.h"
 #include "MainTypes.h"
 #include "TimeRefusals.h"
@@ -398,8 +398,8 @@ bool CheckGroupValue(const GroupValue& value, unsigned long dpt) {
     TAL_LOG(Error) << "Unsupported DPT: " << main << '.' << (dpt & 0xFFFF);
     return false;
   }
-  // Deliberate: a datapoint type's size has 8 bits, and a larger size wraps; FromKnxValue() of the map looks at the
-  // whole.
+  // Deliberate: a datapoint type's size has 8 bits, and a larger size wraps; FromKnxValue() of the table converter
+  // looks at the whole.
   KNXDPT knxDpt{static_cast<std::uint8_t>(value.GetDefinedSize()), static_cast<std::uint16_t>(main),
                 static_cast<std::uint16_t>(dpt & 0xFFFF)};
   static KnxValueConverter& converter = *MakeConverter();

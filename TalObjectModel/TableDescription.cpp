@@ -3,14 +3,14 @@
 #include <boost/core/demangle.hpp>
 #include <typeinfo>
 
-#include "DirectRoad.h"
+#include "DirectConversion.h"
 #include "DptTables.h"
 #include "MainTypes.h"
 
 namespace Tal {
 namespace {
 
-/// The meaning of a main type: the map's row for the whole of it, or else one of the others.
+/// The meaning of a main type: the table's row for the whole of it, or else one of the others.
 constexpr const Meaning* MeaningOf(std::uint16_t main) {
   for (const DptRow& row : kDptRows) {
     if (row.main == main && row.sub == 0) return &row.meaning;

@@ -1,4 +1,4 @@
-// What both roads say of dates and times that they do not take.
+// What both converters say of dates and times that they do not take.
 #pragma once
 
 #include <BasePlatform/AroTime.h>

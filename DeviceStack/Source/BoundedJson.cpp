@@ -1,6 +1,6 @@
 #include "BoundedJson.h"
 
-#include <Notation/Quoted.h>
+#include <Format/Quoted.h>
 
 #include <set>
 #include <stdexcept>
@@ -8,7 +8,7 @@
 
 namespace DeviceStack {
 
-using Notation::Json;
+using Format::Json;
 
 constexpr std::size_t kMaxKeys = 64;  // in one object: they are searched one by one
 
@@ -21,7 +21,7 @@ Json ParseBoundedJson(std::string_view text, std::size_t maxSize, int maxDepth) 
     if (event == Json::parse_event_t::object_start) keys.emplace_back();
     if (event == Json::parse_event_t::object_end) keys.pop_back();
     if (event == Json::parse_event_t::key && !keys.back().insert(parsed.get<std::string>()).second) {
-      throw std::runtime_error("has the key " + Notation::Quoted(parsed.get<std::string>()) + " twice in an object");
+      throw std::runtime_error("has the key " + Format::Quoted(parsed.get<std::string>()) + " twice in an object");
     }
     if (event == Json::parse_event_t::key && keys.back().size() > kMaxKeys) {
       throw std::runtime_error("has an object with more than " + std::to_string(kMaxKeys) + " keys");
@@ -36,7 +36,7 @@ Json ParseBoundedJson(std::string_view text, std::size_t maxSize, int maxDepth) 
     if (bracket != reason.npos) reason.erase(0, bracket + 2);
     constexpr std::size_t kShown = 160;  // the parser repeats what it read last, however long
     const bool isLong = reason.size() > kShown;
-    throw std::runtime_error("is not JSON: " + Notation::OneLine(reason.substr(0, kShown)) + (isLong ? "..." : ""));
+    throw std::runtime_error("is not JSON: " + Format::OneLine(reason.substr(0, kShown)) + (isLong ? "..." : ""));
   }
 }
 

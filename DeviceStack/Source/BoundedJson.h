@@ -1,7 +1,7 @@
 // JSON from outside.
 #pragma once
 
-#include <Notation/ValueText.h>
+#include <Format/ValueText.h>
 
 #include <string>
 #include <string_view>
@@ -11,6 +11,6 @@ namespace DeviceStack {
 /// Parses @p text, which may be at most @p maxSize octets long and nested @p maxDepth levels deep, and in which no
 /// object may have a key twice, or more than 64 of them. @throws std::runtime_error with one line that says what is
 /// wrong, and where.
-Notation::Json ParseBoundedJson(std::string_view text, std::size_t maxSize, int maxDepth);
+Format::Json ParseBoundedJson(std::string_view text, std::size_t maxSize, int maxDepth);
 
 }  // namespace DeviceStack

@@ -1,5 +1,5 @@
 #include <DeviceStack/EmbeddedDeviceStack.h>
-#include <Notation/Quoted.h>
+#include <Format/Quoted.h>
 #include <TalLog/LogRecord.h>
 
 #include <algorithm>
@@ -54,8 +54,8 @@ constexpr PropertyRow kProperties[] = {{IDeviceStackClient::PropertyType::Name, 
                                        {IDeviceStackClient::PropertyType::Flags, "flags"},
                                        {IDeviceStackClient::PropertyType::InitialValue, "initial"}};
 
-Notation::Json Words(const std::string& text) {
-  Notation::Json words = Notation::Json::array();
+Format::Json Words(const std::string& text) {
+  Format::Json words = Format::Json::array();
   std::istringstream in(text);
   for (std::string word; in >> word;) words.push_back(word);
   return words;
@@ -68,8 +68,9 @@ Notation::Json Words(const std::string& text) {
 /// inside the other, and no other lock is held during a callback.
 class EmbeddedDeviceStack::Service {
  public:
-  Service(Installation installation, KnxBus& bus) : m_bus(bus), m_store(std::move(installation)) {
-    m_bus.SetReceiver([this](const Telegram& telegram) { m_thread.Post([this, telegram] { Receive(telegram); }); });
+  Service(Installation installation, Knx::Bus& bus) : m_bus(bus), m_store(std::move(installation)) {
+    m_bus.SetReceiver(
+        [this](const Knx::Telegram& telegram) { m_thread.Post([this, telegram] { Receive(telegram); }); });
   }
   ~Service() { Stop(); }
 
@@ -111,16 +112,16 @@ class EmbeddedDeviceStack::Service {
   void RequireApplication() const;
   void Give(Operation operation, const Answer& answer);
   void GiveWithFault(Operation operation, const Answer& answer, Fault::Kind kind);
-  bool Send(const Telegram& telegram, std::string& error);
-  void Receive(const Telegram& telegram);
-  void ReceiveAtWork(const Telegram& telegram, std::vector<BusEvent>& events);
+  bool Send(const Knx::Telegram& telegram, std::string& error);
+  void Receive(const Knx::Telegram& telegram);
+  void ReceiveAtWork(const Knx::Telegram& telegram, std::vector<BusEvent>& events);
   void Tell(const std::vector<BusEvent>& events);
   template <class Call>
   void CallBack(Call call);
   void Count(std::uint64_t Counters::*counter, int change = 1);
   std::string Serialised(const AROVALUE& value) const;
 
-  KnxBus& m_bus;
+  Knx::Bus& m_bus;
   std::atomic<std::uint64_t> m_nextId{1};
   std::atomic<bool> m_internalFormat{false};
   std::atomic<bool> m_isReleased{false};  ///< the bus
@@ -260,7 +261,7 @@ void EmbeddedDeviceStack::Service::SetValue(const std::string& text, Answer& ans
   AROVALUE value;
   if (!value.Deserialize(text)) {
     throw ServiceError(ErrorCode::InvalidValue, std::to_string(answer.id),
-                       Notation::Quoted(text) + " is no serialised value: expected a type and a content such as 3:21");
+                       Format::Quoted(text) + " is no serialised value: expected a type and a content such as 3:21");
   }
   std::string stored = Serialised(value);
   if (const auto telegram = m_store.TelegramOf(answer.id, value)) {
@@ -278,7 +279,7 @@ void EmbeddedDeviceStack::Service::SetValue(const std::string& text, Answer& ans
 }
 
 /// Whatever the bus does about it.
-bool EmbeddedDeviceStack::Service::Send(const Telegram& telegram, std::string& error) {
+bool EmbeddedDeviceStack::Service::Send(const Knx::Telegram& telegram, std::string& error) {
   bool isSent = false;
   try {
     isSent = m_bus.Send(telegram, error);
@@ -291,7 +292,7 @@ bool EmbeddedDeviceStack::Service::Send(const Telegram& telegram, std::string& e
   return isSent;
 }
 
-void EmbeddedDeviceStack::Service::Receive(const Telegram& telegram) {
+void EmbeddedDeviceStack::Service::Receive(const Knx::Telegram& telegram) {
   std::vector<BusEvent> events;
   {
     const Lock lock(m_workMutex);
@@ -300,7 +301,7 @@ void EmbeddedDeviceStack::Service::Receive(const Telegram& telegram) {
   Tell(events);
 }
 
-void EmbeddedDeviceStack::Service::ReceiveAtWork(const Telegram& telegram, std::vector<BusEvent>& events) {
+void EmbeddedDeviceStack::Service::ReceiveAtWork(const Knx::Telegram& telegram, std::vector<BusEvent>& events) {
   using Kind = BusEvent::Kind;
   Count(&Counters::telegramsReceived);
   const std::vector<ObjectStore::Effect> effects = m_store.Receive(telegram);
@@ -344,7 +345,7 @@ bool EmbeddedDeviceStack::Service::Configure(AROOBJECTID id, const std::map<Prop
     return false;
   }
   const std::string name = object->name;
-  Notation::Json json = ToJson(m_store.GetInstallation());
+  Format::Json json = ToJson(m_store.GetInstallation());
   for (auto& entry : json["objects"]) {
     if (entry["name"] != name) continue;
     for (const auto& [type, text] : properties) {
@@ -354,7 +355,7 @@ bool EmbeddedDeviceStack::Service::Configure(AROOBJECTID id, const std::map<Prop
         TAL_LOG(Error) << "There is no property " << static_cast<std::uint32_t>(type) << " of communication objects";
         return false;
       }
-      entry[row->key] = type == PropertyType::Flags ? Words(text) : Notation::Json(text);
+      entry[row->key] = type == PropertyType::Flags ? Words(text) : Format::Json(text);
     }
     break;
   }
@@ -369,10 +370,10 @@ bool EmbeddedDeviceStack::Service::Configure(AROOBJECTID id, const std::map<Prop
 
 bool EmbeddedDeviceStack::Service::ConfigureDevice(const std::map<std::string, std::string>& entries) {
   const Lock lock(m_workMutex);
-  Notation::Json json = ToJson(m_store.GetInstallation());
+  Format::Json json = ToJson(m_store.GetInstallation());
   for (const auto& [key, text] : entries) {
     if (key != "name" && key != "address") {
-      TAL_LOG(Error) << "There is no entry " << Notation::Quoted(key) << " of the device: expected name or address";
+      TAL_LOG(Error) << "There is no entry " << Format::Quoted(key) << " of the device: expected name or address";
       return false;
     }
     json[key] = text;
@@ -423,7 +424,7 @@ std::string EmbeddedDeviceStack::Service::Serialised(const AROVALUE& value) cons
   return text;
 }
 
-EmbeddedDeviceStack::EmbeddedDeviceStack(Installation installation, KnxBus& bus)
+EmbeddedDeviceStack::EmbeddedDeviceStack(Installation installation, Knx::Bus& bus)
     : m_service(std::make_unique<Service>(std::move(installation), bus)) {}
 EmbeddedDeviceStack::~EmbeddedDeviceStack() { m_service->Stop(); }
 

@@ -1,7 +1,7 @@
 #include <DeviceStack/Installation.h>
-#include <Notation/Cursor.h>
-#include <Notation/Quoted.h>
-#include <Notation/Road.h>
+#include <Format/Converter.h>
+#include <Format/Cursor.h>
+#include <Format/Quoted.h>
 #include <Tal/GroupValueAroValue.h>
 
 #include <algorithm>
@@ -13,8 +13,8 @@
 namespace DeviceStack {
 namespace {
 
-using Notation::Json;
-using Notation::Quoted;
+using Format::Json;
+using Format::Quoted;
 using Tal::LogicalDeviceId;
 
 /// Where in the text something stands, for errors: "house.json: objects[2].dpt".
@@ -72,23 +72,23 @@ void ReadObjectNumber(const Json& json, const Place& place, CommunicationObject&
 std::string ReadTitle(const Json& json, const Place& place) {
   std::string title = ReadText(json, place);
   if (title.empty()) place.Fail("the text is empty");
-  if (Notation::OneLine(title) != title) place.Fail(Quoted(title) + " has control characters");
+  if (Format::OneLine(title) != title) place.Fail(Quoted(title) + " has control characters");
   return title;
 }
 
 void ReadName(const Json& json, const Place& place, CommunicationObject& object) {
   object.name = ReadTitle(json, place);
-  if (std::all_of(object.name.begin(), object.name.end(), Notation::IsDigit)) {
+  if (std::all_of(object.name.begin(), object.name.end(), Format::IsDigit)) {
     place.Fail(Quoted(object.name) + " would be taken for an identifier: expected a name with other than digits");
   }
 }
 
 void ReadDpt(const Json& json, const Place& place, CommunicationObject& object) {
   std::string error;
-  if (!Notation::ParseDpt(ReadText(json, place), object.dpt, error)) place.Fail(error);
-  const auto* const main = Notation::FindMainType(object.dpt);
+  if (!Format::ParseDpt(ReadText(json, place), object.dpt, error)) place.Fail(error);
+  const auto* const main = Format::FindMainType(object.dpt);
   if (main == nullptr || (!main->isEncoded && !main->isDecoded)) {
-    place.Fail(Notation::FormatDpt(object.dpt) + " has no values here");
+    place.Fail(Format::FormatDpt(object.dpt) + " has no values here");
   }
 }
 
@@ -115,9 +115,9 @@ void ReadInitial(const Json& json, const Place& place, CommunicationObject& obje
   if (!json.is_string() && !json.is_number() && !json.is_boolean())
     place.Fail("expected a text, a number or a boolean");
   const std::string text = json.is_string() ? json.get<std::string>() : json.dump();
-  const AroValueType type = Notation::ValueTypeOf(object.dpt, Notation::Road::Direct);
+  const AroValueType type = Format::ValueTypeOf(object.dpt, Format::Converter::Direct);
   AROVALUE value;
-  bool isGood = Notation::ParseValue(text, object.dpt, type, value);
+  bool isGood = Format::ParseValue(text, object.dpt, type, value);
   if (isGood) {
     try {
       isGood = Tal::AroValueToGroupValue(value, object.dpt.Number()).has_value();
@@ -126,8 +126,8 @@ void ReadInitial(const Json& json, const Place& place, CommunicationObject& obje
     }
   }
   if (!isGood) {
-    place.Fail(Quoted(text) + " is no value of " + Notation::FormatDpt(object.dpt) + ": expected " +
-               Notation::Expectation(object.dpt, Notation::Road::Direct));
+    place.Fail(Quoted(text) + " is no value of " + Format::FormatDpt(object.dpt) + ": expected " +
+               Format::Expectation(object.dpt, Format::Converter::Direct));
   }
   object.initial = std::move(value);
 }
@@ -205,7 +205,7 @@ Tal::KnxZelMapping::ObjectId CommunicationObject::ChannelId() const {
 Tal::KnxZelMapping::ObjectId CommunicationObject::ValueId() const { return ChannelId() + 1; }
 
 Installation ParseInstallation(std::string_view text, const std::string& source) {
-  const Place place(Notation::OneLine(source));
+  const Place place(Format::OneLine(source));
   Json json;
   try {
     json = ParseBoundedJson(text, kMaxInstallationSize, kMaxInstallationDepth);
@@ -219,7 +219,7 @@ Installation LoadInstallation(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   std::string text(kMaxInstallationSize + 1, '\0');  // one more tells that it is too long
   file.read(text.data(), static_cast<std::streamsize>(text.size()));
-  if (!file.is_open() || file.bad()) Place(Notation::OneLine(path)).Fail("cannot be read");
+  if (!file.is_open() || file.bad()) Place(Format::OneLine(path)).Fail("cannot be read");
   text.resize(static_cast<std::size_t>(file.gcount()));
   return ParseInstallation(text, path);
 }
@@ -228,13 +228,13 @@ Json ToJson(const CommunicationObject& object) {
   Json json = {{"device", object.device},
                {"number", object.number},
                {"name", object.name},
-               {"dpt", Notation::FormatDpt(object.dpt)},
+               {"dpt", Format::FormatDpt(object.dpt)},
                {"groupAddress", FormatAddress(object.address)},
                {"flags", Json::array()}};
   for (const FlagRow& row : kFlags) {
     if (object.flags.*row.flag) json["flags"].push_back(row.name);
   }
-  if (object.initial) json["initial"] = Notation::ToJson(*object.initial);
+  if (object.initial) json["initial"] = Format::ToJson(*object.initial);
   return json;
 }
 

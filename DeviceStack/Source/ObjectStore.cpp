@@ -1,19 +1,19 @@
 #include "ObjectStore.h"
 
-#include <Notation/ObjectId.h>
-#include <Notation/Octets.h>
-#include <Notation/Quoted.h>
-#include <Notation/Road.h>
+#include <Format/Converter.h>
+#include <Format/ObjectId.h>
+#include <Format/Octets.h>
+#include <Format/Quoted.h>
 #include <Tal/GroupValueAroValue.h>
 #include <Tal/TableDescription.h>
 
 namespace DeviceStack {
 namespace {
 
-using Notation::FormatDpt;
-using Notation::ObjectExplanation;
-using Notation::ObjectKind;
-using Notation::Quoted;
+using Format::FormatDpt;
+using Format::ObjectExplanation;
+using Format::ObjectKind;
+using Format::Quoted;
 
 std::string Described(const CommunicationObject& object) {
   return Quoted(object.name) + " (" + std::to_string(object.ValueId()) + ", " + FormatDpt(object.dpt) + ")";
@@ -59,7 +59,7 @@ struct Decoded {
   std::string refusal;
 };
 
-Decoded Decode(const KnxStack::GroupValue& groupValue, const Notation::Dpt& dpt) {
+Decoded Decode(const KnxStack::GroupValue& groupValue, const Format::Dpt& dpt) {
   Decoded decoded;
   try {
     decoded.value = Tal::GroupValueToAroValue(groupValue, dpt.Number());
@@ -67,7 +67,7 @@ Decoded Decode(const KnxStack::GroupValue& groupValue, const Notation::Dpt& dpt)
   }
   if (decoded.value && decoded.value->avt != avtEmpty && decoded.value->avt != avtInvalid) return decoded;
   decoded.value = boost::none;
-  decoded.refusal = Notation::Hex(groupValue.GetRawData()) + " (" + std::to_string(groupValue.GetDefinedSize()) +
+  decoded.refusal = Format::Hex(groupValue.GetRawData()) + " (" + std::to_string(groupValue.GetDefinedSize()) +
                     " bits) is no value of " + FormatDpt(dpt);
   const boost::optional<unsigned> bits = Tal::DescribeExpectedBits(dpt.main);
   if (bits && *bits != groupValue.GetDefinedSize()) {
@@ -82,15 +82,15 @@ struct Encoded {
   std::string refusal;
 };
 
-Encoded Encode(const AROVALUE& value, const Notation::Dpt& dpt) {
+Encoded Encode(const AROVALUE& value, const Format::Dpt& dpt) {
   Encoded encoded;
   try {
     encoded.groupValue = Tal::AroValueToGroupValue(value, dpt.Number());
   } catch (const std::exception&) {  // the calendar's range errors
   }
   if (!encoded.groupValue) {
-    encoded.refusal = Quoted(Notation::FormatValue(value)) + " cannot be sent as " + FormatDpt(dpt) + ": expected " +
-                      Notation::Expectation(dpt, Notation::Road::Direct);
+    encoded.refusal = Quoted(Format::FormatValue(value)) + " cannot be sent as " + FormatDpt(dpt) + ": expected " +
+                      Format::Expectation(dpt, Format::Converter::Direct);
   }
   return encoded;
 }
@@ -143,7 +143,7 @@ const AROVALUE& ObjectStore::Value(ObjectId id) const {
     throw ServiceError(ErrorCode::NoValueYet, std::to_string(id),
                        Described(entry->object) + " has no value yet: it has neither been set nor received");
   }
-  const ObjectExplanation explanation = Notation::Explain(id);
+  const ObjectExplanation explanation = Format::Explain(id);
   const AroValueType type = OtherType(explanation);
   if (type == avtEmpty) FailWithout(id, explanation);
   const auto other = m_others.find(id);
@@ -156,21 +156,21 @@ const AROVALUE& ObjectStore::Value(ObjectId id) const {
   return defaults.at(type);
 }
 
-boost::optional<Telegram> ObjectStore::TelegramOf(ObjectId id, const AROVALUE& value) const {
+boost::optional<Knx::Telegram> ObjectStore::TelegramOf(ObjectId id, const AROVALUE& value) const {
   const Entry* const entry = FindEntry(id);
   if (entry == nullptr) {
-    const ObjectExplanation explanation = Notation::Explain(id);
+    const ObjectExplanation explanation = Format::Explain(id);
     const AroValueType type = OtherType(explanation);
     if (type == avtEmpty) FailWithout(id, explanation);
     RequireType("the " + explanation.text, id, type, value);
     return boost::none;
   }
   const CommunicationObject& object = entry->object;
-  RequireType(Described(object), id, Notation::ValueTypeOf(object.dpt, Notation::Road::Direct), value);
+  RequireType(Described(object), id, Format::ValueTypeOf(object.dpt, Format::Converter::Direct), value);
   Encoded encoded = Encode(value, object.dpt);
   if (!encoded.groupValue) throw ServiceError(ErrorCode::RefusedValue, std::to_string(id), encoded.refusal);
   if (!object.flags.transmit) return boost::none;
-  return Outgoing(object, Service::Write, std::move(*encoded.groupValue));
+  return Outgoing(object, Knx::Service::Write, std::move(*encoded.groupValue));
 }
 
 void ObjectStore::Assign(ObjectId id, AROVALUE value) {
@@ -182,7 +182,7 @@ void ObjectStore::Assign(ObjectId id, AROVALUE value) {
   }
 }
 
-std::vector<ObjectStore::Effect> ObjectStore::Receive(const Telegram& telegram) {
+std::vector<ObjectStore::Effect> ObjectStore::Receive(const Knx::Telegram& telegram) {
   std::vector<Effect> effects;
   const auto group = m_objects.byAddress.find(telegram.destination.raw);
   if (group == m_objects.byAddress.end()) return effects;
@@ -190,16 +190,16 @@ std::vector<ObjectStore::Effect> ObjectStore::Receive(const Telegram& telegram) 
     Entry& entry = m_objects.entries[i];
     const Flags& flags = entry.object.flags;
     Effect effect{&entry.object, boost::none, boost::none, ""};
-    if (telegram.service == Service::Read) {
+    if (telegram.service == Knx::Service::Read) {
       if (!flags.read || !entry.value) continue;
       Encoded encoded = Encode(*entry.value, entry.object.dpt);
       if (encoded.groupValue) {
-        effect.response = Outgoing(entry.object, Service::Response, std::move(*encoded.groupValue));
+        effect.response = Outgoing(entry.object, Knx::Service::Response, std::move(*encoded.groupValue));
       } else {
         effect.refusal = std::move(encoded.refusal);
       }
     } else {
-      if (!(telegram.service == Service::Write ? flags.write : flags.update)) continue;
+      if (!(telegram.service == Knx::Service::Write ? flags.write : flags.update)) continue;
       Decoded decoded = Decode(telegram.value, entry.object.dpt);
       if (decoded.value) entry.value = decoded.value;
       effect.value = std::move(decoded.value);
@@ -210,8 +210,9 @@ std::vector<ObjectStore::Effect> ObjectStore::Receive(const Telegram& telegram) 
   return effects;
 }
 
-Telegram ObjectStore::Outgoing(const CommunicationObject& object, Service service, KnxStack::GroupValue value) const {
-  Telegram telegram;
+Knx::Telegram ObjectStore::Outgoing(const CommunicationObject& object, Knx::Service service,
+                                    KnxStack::GroupValue value) const {
+  Knx::Telegram telegram;
   telegram.time = std::chrono::system_clock::now();
   telegram.source = m_objects.installation.address;
   telegram.destination = object.address;

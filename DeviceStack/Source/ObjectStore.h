@@ -2,8 +2,8 @@
 #pragma once
 
 #include <DeviceStack/Installation.h>
-#include <DeviceStack/KnxBus.h>
 #include <DeviceStack/ServiceError.h>
+#include <Knx/Bus.h>
 
 #include <map>
 #include <unordered_map>
@@ -36,19 +36,19 @@ class ObjectStore {
 
   /// What is sent when @p id gets @p value: nothing for parameters, control values, and objects that do not transmit.
   /// @throws ServiceError  UnknownObject, NoValueObject, WrongType or RefusedValue.
-  boost::optional<Telegram> TelegramOf(ObjectId id, const AROVALUE& value) const;
+  boost::optional<Knx::Telegram> TelegramOf(ObjectId id, const AROVALUE& value) const;
   /// Stores what TelegramOf() let through.
   void Assign(ObjectId id, AROVALUE value);
 
   /// What a telegram does to one object.
   struct Effect {
     const CommunicationObject* object;
-    boost::optional<AROVALUE> value;     ///< stored
-    boost::optional<Telegram> response;  ///< to be sent
-    std::string refusal;                 ///< why the octets are not stored
+    boost::optional<AROVALUE> value;          ///< stored
+    boost::optional<Knx::Telegram> response;  ///< to be sent
+    std::string refusal;                      ///< why the octets are not stored
   };
   /// Stores what a telegram brings to the objects of its group, where their flags let it in.
-  std::vector<Effect> Receive(const Telegram& telegram);
+  std::vector<Effect> Receive(const Knx::Telegram& telegram);
 
  private:
   struct Entry {
@@ -67,7 +67,7 @@ class ObjectStore {
   const Entry* FindEntry(ObjectId id) const;
   /// @param before  whose values are kept; null: none.
   static Objects Build(Installation installation, const Objects* before);
-  Telegram Outgoing(const CommunicationObject& object, Service service, KnxStack::GroupValue value) const;
+  Knx::Telegram Outgoing(const CommunicationObject& object, Knx::Service service, KnxStack::GroupValue value) const;
 
   Objects m_objects;
   std::map<ObjectId, AROVALUE> m_others;  ///< parameters and control values that were set

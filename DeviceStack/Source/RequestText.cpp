@@ -1,7 +1,7 @@
 #include "RequestText.h"
 
-#include <Notation/ObjectId.h>
-#include <Notation/Quoted.h>
+#include <Format/ObjectId.h>
+#include <Format/Quoted.h>
 
 #include <algorithm>
 
@@ -10,8 +10,8 @@
 namespace DeviceStack {
 namespace {
 
-using Notation::Json;
-using Notation::Quoted;
+using Format::Json;
+using Format::Quoted;
 
 constexpr std::size_t kMaxRequestSize = std::size_t{64} * 1024;
 constexpr int kMaxRequestDepth = 4;
@@ -22,11 +22,11 @@ constexpr int kMaxRequestDepth = 4;
 
 /// The object with its identifiers and its value; null while it has none.
 Json DescribeObject(const CommunicationObject& object, const ObjectStore& store) {
-  Json json = {{"id", object.ValueId()}, {"kind", NameOf(Notation::ObjectKind::CoValue)}};
+  Json json = {{"id", object.ValueId()}, {"kind", NameOf(Format::ObjectKind::CoValue)}};
   json.update(ToJson(object));
   json.erase("initial");
   try {
-    json["value"] = Notation::ToJson(store.Value(object.ValueId()));
+    json["value"] = Format::ToJson(store.Value(object.ValueId()));
   } catch (const ServiceError&) {
     json["value"] = nullptr;
   }
@@ -49,15 +49,15 @@ Json DescribeId(const Json& id, const ObjectStore& store) {
   }
   const auto number = id.get<Tal::KnxZelMapping::ObjectId>();
   if (const CommunicationObject* const object = store.Find(number)) return DescribeObject(*object, store);
-  const Notation::ObjectExplanation explanation = Notation::Explain(number);
-  using Kind = Notation::ObjectKind;
+  const Format::ObjectExplanation explanation = Format::Explain(number);
+  using Kind = Format::ObjectKind;
   if (explanation.kind == Kind::None || explanation.kind == Kind::CoChannel || explanation.kind == Kind::CoValue) {
     throw ServiceError(ErrorCode::UnknownObject, id.dump(),
                        "there is no object " + id.dump() + " in this installation");
   }
   Json json = {{"id", number}, {"kind", NameOf(explanation.kind)}, {"text", explanation.text}};
   try {
-    json["value"] = Notation::ToJson(store.Value(number));
+    json["value"] = Format::ToJson(store.Value(number));
   } catch (const ServiceError&) {  // a device or a channel
   }
   return json;
@@ -115,7 +115,7 @@ std::string AnswerRequest(const std::string& text, const ObjectStore& store, con
       const bool isKnown = std::find(row.keys.begin(), row.keys.end(), item.key()) != row.keys.end();
       if (!isKnown && item.key() != "request") Fail(item.key(), name + " has no key " + Quoted(item.key()));
     }
-    std::string answer = Notation::Line(row.answer(request, store, counters));
+    std::string answer = Format::Line(row.answer(request, store, counters));
     answer.pop_back();  // the line's end
     return answer;
   }

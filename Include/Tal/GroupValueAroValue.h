@@ -46,9 +46,9 @@ TALOBJECTMODEL_EXPORT boost::optional<KnxStack::GroupValue> AroValueToGroupValue
 TALOBJECTMODEL_EXPORT boost::optional<AROVALUE> GroupValueToAroValue(const KnxStack::GroupValue& value,
                                                                      unsigned long dpt);
 
-/// True when the map-driven converter (KnxValueConverter) decodes @p value as datapoint type @p dpt; its records say
-/// why not. A datapoint type that it does not know is taken for valid. Throws
-/// nothing but want of memory, on the first conversion of a process; may be called from any thread.
+/// True when the table converter-driven converter (KnxValueConverter) decodes @p value as datapoint type @p dpt; its
+/// records say why not. A datapoint type that it does not know is taken for valid. Throws nothing but want of memory,
+/// on the first conversion of a process; may be called from any thread.
 TALOBJECTMODEL_EXPORT bool CheckGroupValue(const KnxStack::GroupValue& value, unsigned long dpt);
 
 }  // namespace Tal

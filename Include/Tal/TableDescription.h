@@ -33,7 +33,7 @@ struct MainTypeDescription {
   DptMeaning meaning;              ///< of the whole main type
 };
 
-/// A row of the standard table of the map-driven converter (KnxValueConverter.h).
+/// A row of the standard table of the table converter-driven converter (KnxValueConverter.h).
 struct DptDescription {
   KNXDPT dpt;                      ///< sub 0: the whole main type
   AroValueType valueType;          ///< what its values carry

@@ -1,6 +1,6 @@
 #include <DeviceStack/EmbeddedDeviceStack.h>
-#include <DeviceStack/LoopbackBus.h>
-#include <DeviceStack/TelegramLog.h>
+#include <Knx/LoopbackBus.h>
+#include <Knx/TelegramLog.h>
 #include <Tal/DscAsyncRequestMessenger.h>
 #include <gmock/gmock.h>
 
@@ -26,6 +26,10 @@ using Kind = Fault::Kind;
 using PropertyType = Vanta::IDeviceStackClient::PropertyType;
 using Tal::Docket;
 using namespace TalTest;
+using Knx::FormatTelegram;
+using Knx::LoopbackBus;
+using Knx::ParseTelegram;
+using Knx::Telegram;
 
 const time_duration kLong = boost::posix_time::minutes(5);
 
@@ -33,7 +37,7 @@ const std::string kHouse = ReadText("DeviceStack.txt", "house");
 constexpr unsigned kLamp = 100101;
 
 /// Keeps what is sent, and lets telegrams in.
-class TestBus final : public KnxBus {
+class TestBus final : public Knx::Bus {
  public:
   bool Send(const Telegram& telegram, std::string& error) override {
     if (isBroken) throw std::runtime_error("broken");

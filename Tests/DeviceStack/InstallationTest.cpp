@@ -13,9 +13,9 @@ using TalTest::Is;
 using testing::ThrowsMessage;
 
 std::string Object(const std::string& changes = "") {
-  auto json = Notation::Json::parse(R"({"device": 1, "number": 1, "name": "lamp", "dpt": "1.001",
+  auto json = Format::Json::parse(R"({"device": 1, "number": 1, "name": "lamp", "dpt": "1.001",
                                         "groupAddress": "1/2/3", "flags": ["read", "write"]})");
-  if (!changes.empty()) json.merge_patch(Notation::Json::parse(changes));
+  if (!changes.empty()) json.merge_patch(Format::Json::parse(changes));
   return json.dump();
 }
 std::string House(const std::string& objects) {

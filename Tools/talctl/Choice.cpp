@@ -1,7 +1,7 @@
 #include "Choice.h"
 
-#include <Notation/Cursor.h>
-#include <Notation/Quoted.h>
+#include <Format/Cursor.h>
+#include <Format/Quoted.h>
 
 #include <boost/algorithm/string/classification.hpp>
 #include <boost/algorithm/string/join.hpp>
@@ -15,17 +15,17 @@ CLI::Validator OneOf(std::vector<std::string> names) {
   const std::string description = "{" + boost::algorithm::join(names, ",") + "}";
   const auto check = [names = std::move(names)](std::string& text) {
     for (const std::string& name : names) {
-      if (!Notation::SameText(text, name)) continue;
+      if (!Format::SameText(text, name)) continue;
       text = name;
       return std::string();
     }
-    return Notation::Quoted(text) + " is none of " + boost::algorithm::join(names, ", ") + DidYouMean(text, names);
+    return Format::Quoted(text) + " is none of " + boost::algorithm::join(names, ", ") + DidYouMean(text, names);
   };
   return {check, description};
 }
 
 std::vector<std::string> ChoicesOf(const CLI::Option& option) {
-  const std::string type = option.get_type_name();  // "ROAD:{direct,map}"
+  const std::string type = option.get_type_name();  // "CONVERTER:{direct,table}"
   const std::size_t open = type.find('{');
   std::vector<std::string> names;
   if (open == type.npos) return names;

@@ -2,7 +2,7 @@
 
 #include <ostream>
 
-#include <Notation/ValueText.h>
+#include <Format/ValueText.h>
 
 namespace Talctl {
 namespace {

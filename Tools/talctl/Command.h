@@ -13,11 +13,11 @@
 #include "CommandLine.h"
 #include "Paint.h"
 
-namespace Notation {}
+namespace Format {}
 
 namespace Talctl {
 
-using namespace Notation;
+using namespace Format;
 
 /// Exit statuses.
 enum ExitStatus : int {

@@ -1,6 +1,6 @@
 #include "CommandLine.h"
 
-#include <Notation/Quoted.h>
+#include <Format/Quoted.h>
 
 #include <algorithm>
 #include <boost/algorithm/string/replace.hpp>
@@ -22,7 +22,7 @@ bool NeedsQuotes(const std::string& argument) {
 }
 
 std::string Shown(std::string_view part, bool isQuoted) {
-  std::string shown = Notation::OneLine(part);
+  std::string shown = Format::OneLine(part);
   if (isQuoted) boost::algorithm::replace_all(shown, "'", "'\\''");
   return shown;
 }

@@ -1,7 +1,7 @@
 // The commands of talctl.
 #pragma once
 
-#include <Notation/Road.h>
+#include <Format/Converter.h>
 
 #include <optional>
 #include <string>
@@ -25,7 +25,7 @@ class EncodeCommand final : public LineCommand {
   const char* OperandName() const override { return "VALUE"; }
 
  private:
-  Road m_road = Road::Direct;
+  Converter m_converter = Converter::Direct;
 };
 
 /// `decode [DPT OCTETS]`: octets to values.
@@ -40,7 +40,7 @@ class DecodeCommand final : public LineCommand {
   const char* OperandName() const override { return "OCTETS"; }
 
  private:
-  Road m_road = Road::Direct;
+  Converter m_converter = Converter::Direct;
   std::optional<std::string> m_bits;
 };
 
@@ -66,7 +66,7 @@ class DptsCommand final : public Command {
   ExitStatus Run(const Invocation& invocation) override;
 
  private:
-  Road m_road = Road::Direct;
+  Converter m_converter = Converter::Direct;
   std::optional<std::string> m_html;
   std::optional<std::string> m_markdown;
 };
@@ -85,7 +85,7 @@ class IdCommand final : public Command {
   std::optional<std::string> m_markdown;
 };
 
-/// `demo`: the embedded day of a house through both roads and back, as a table, compared with what must come out.
+/// `demo`: the embedded day of a house through both converters and back, as a table, compared with what must come out.
 class DemoCommand final : public Command {
  public:
   CLI::App* AddTo(CLI::App& app) override;

@@ -1,6 +1,6 @@
 #include "Completion.h"
 
-#include <Notation/Cursor.h>
+#include <Format/Cursor.h>
 
 #include <algorithm>
 #include <boost/algorithm/string/classification.hpp>
@@ -75,9 +75,10 @@ std::string OperandAfter(const Before& before) {
                                : "";
 }
 
-Road RoadOf(const Before& before) {
-  const auto given = before.values.find("--road");
-  return given != before.values.end() && SameText(given->second, NameOf(Road::Map)) ? Road::Map : Road::Direct;
+Converter ConverterOf(const Before& before) {
+  const auto given = before.values.find("--converter");
+  return given != before.values.end() && SameText(given->second, NameOf(Converter::Table)) ? Converter::Table
+                                                                                           : Converter::Direct;
 }
 
 std::vector<DeviceStack::CommunicationObject> ObjectsOf(const Before& before) {
@@ -101,14 +102,14 @@ Words ValuesFor(const Before& before) {
       isKnown = true;
     }
   }
-  return isKnown && ValueTypeOf(dpt, RoadOf(before)) == avtBool ? Words{"on", "off", "true", "false"} : Words();
+  return isKnown && ValueTypeOf(dpt, ConverterOf(before)) == avtBool ? Words{"on", "off", "true", "false"} : Words();
 }
 
 Words OperandsFor(const Before& before, const std::string& word) {
   const std::string operand = OperandAfter(before);
   Words words;
   if (operand == "FILE") return kFile;
-  if (operand == "DPT") return KnownDpts(RoadOf(before));
+  if (operand == "DPT") return KnownDpts(ConverterOf(before));
   if (operand == "VALUE") return ValuesFor(before);
   if (operand == "ID|NAME") {
     const bool isNumber = !word.empty() && IsDigit(word[0]);

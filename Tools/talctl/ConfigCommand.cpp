@@ -1,4 +1,4 @@
-#include <Notation/Quoted.h>
+#include <Format/Quoted.h>
 #include <Tal/AppHostConfig.h>
 
 #include <filesystem>

@@ -6,7 +6,7 @@
 #include <boost/algorithm/string/classification.hpp>
 #include <boost/algorithm/string/trim.hpp>
 
-#include <Notation/Quoted.h>
+#include <Format/Quoted.h>
 #include "Suggestion.h"
 
 namespace Talctl {
@@ -17,21 +17,21 @@ using KnxStack::GroupValue;
 KNXDPT ToKnxDpt(const Dpt& dpt, unsigned bits) { return {static_cast<std::uint8_t>(bits), dpt.main, dpt.sub}; }
 
 /// The group value, or nothing. May throw what the calendar throws.
-boost::optional<GroupValue> EncodeOn(Road road, const Dpt& dpt, const AROVALUE& value) {
-  if (road == Road::Direct) return Tal::AroValueToGroupValue(value, dpt.Number());
+boost::optional<GroupValue> EncodeWith(Converter converter, const Dpt& dpt, const AROVALUE& value) {
+  if (converter == Converter::Direct) return Tal::AroValueToGroupValue(value, dpt.Number());
   KNXDPT knxDpt = ToKnxDpt(dpt, 0);
   GroupValue groupValue;
-  if (!MapConverter().ToKnxValue(knxDpt, value, groupValue)) return boost::none;
+  if (!TableConverter().ToKnxValue(knxDpt, value, groupValue)) return boost::none;
   return groupValue;
 }
 
 /// The value, or nothing. May throw what the calendar throws.
-/// A datapoint type that is not given (main 0) is the one that the map chooses.
-boost::optional<AROVALUE> DecodeOn(Road road, Dpt& dpt, const GroupValue& groupValue) {
-  if (road == Road::Direct) return Tal::GroupValueToAroValue(groupValue, dpt.Number());
+/// A datapoint type that is not given (main 0) is the one that the table converter chooses.
+boost::optional<AROVALUE> DecodeWith(Converter converter, Dpt& dpt, const GroupValue& groupValue) {
+  if (converter == Converter::Direct) return Tal::GroupValueToAroValue(groupValue, dpt.Number());
   KNXDPT knxDpt = ToKnxDpt(dpt, groupValue.GetDefinedSize());
   AROVALUE value;
-  const bool isDecoded = MapConverter().FromKnxValue(knxDpt, groupValue, value);
+  const bool isDecoded = TableConverter().FromKnxValue(knxDpt, groupValue, value);
   dpt = {knxDpt.main, knxDpt.sub};
   if (!isDecoded) return boost::none;
   // Deliberate: 3.x comes back as a byte under the type avtFloat; shown as the number it is.
@@ -41,44 +41,45 @@ boost::optional<AROVALUE> DecodeOn(Road road, Dpt& dpt, const GroupValue& groupV
 
 bool HasContent(const AROVALUE& value) { return value.avt != avtInvalid && value.avt != avtEmpty; }
 
-bool Decodes(Road road, Dpt dpt, const GroupValue& groupValue) {
+bool Decodes(Converter converter, Dpt dpt, const GroupValue& groupValue) {
   const ReasonLog::Pause pause;
   try {
-    const auto value = DecodeOn(road, dpt, groupValue);
+    const auto value = DecodeWith(converter, dpt, groupValue);
     return value && HasContent(*value);
   } catch (const std::exception&) {
     return false;
   }
 }
 
-/// True when a road reads some octet of this datapoint type.
-bool IsDecodedAtAll(const Dpt& dpt, Road road) {
-  return Decodes(road, dpt, GroupValue({0}, 8)) || Decodes(road, dpt, GroupValue({1}, 8));
+/// True when a converter reads some octet of this datapoint type.
+bool IsDecodedAtAll(const Dpt& dpt, Converter converter) {
+  return Decodes(converter, dpt, GroupValue({0}, 8)) || Decodes(converter, dpt, GroupValue({1}, 8));
 }
 
 std::string MainLabel(const Dpt& dpt) { return std::to_string(dpt.main) + ".x"; }
-std::string TakeRoad(Road road) { return std::string("take `--road ") + NameOf(road) + "`"; }
+std::string TakeConverter(Converter converter) { return std::string("take `--converter ") + NameOf(converter) + "`"; }
 
 bool IsKnown(const Dpt& dpt) { return FindMainType(dpt) != nullptr || FindDptRow(dpt) != nullptr; }
-std::string NotKnown(const Dpt& dpt, Road road) {
-  return MainLabel(dpt) + " is not known; `talctl dpts` lists what is" + DidYouMeanDpt(dpt, road);
+std::string NotKnown(const Dpt& dpt, Converter converter) {
+  return MainLabel(dpt) + " is not known; `talctl dpts` lists what is" + DidYouMeanDpt(dpt, converter);
 }
 
 /// What to do about a refusal to encode.
-std::string EncodeAdvice(const Dpt& dpt, Road road) {
-  if (CanEncode(dpt, road)) return "expected " + Expectation(dpt, road);
-  if (CanEncode(dpt, Other(road))) return FormatDpt(dpt) + " is not encoded on this road; " + TakeRoad(Other(road));
-  return IsKnown(dpt) ? MainLabel(dpt) + " is not encoded; `talctl dpts` lists what is" : NotKnown(dpt, road);
+std::string EncodeAdvice(const Dpt& dpt, Converter converter) {
+  if (CanEncode(dpt, converter)) return "expected " + Expectation(dpt, converter);
+  if (CanEncode(dpt, Other(converter)))
+    return FormatDpt(dpt) + " is not encoded on this converter; " + TakeConverter(Other(converter));
+  return IsKnown(dpt) ? MainLabel(dpt) + " is not encoded; `talctl dpts` lists what is" : NotKnown(dpt, converter);
 }
 
 /// True for a sub number that is never read where the first one is.
-bool IsReadAsFirst(const Dpt& dpt, const GroupValue& groupValue, Road road) {
-  return !IsDecodedAtAll(dpt, road) && Decodes(road, {dpt.main, 1}, groupValue);
+bool IsReadAsFirst(const Dpt& dpt, const GroupValue& groupValue, Converter converter) {
+  return !IsDecodedAtAll(dpt, converter) && Decodes(converter, {dpt.main, 1}, groupValue);
 }
 
 /// What to do about octets that are refused, or stand for nothing.
-std::string DecodeAdvice(const Dpt& dpt, const GroupValue& groupValue, Road road) {
-  if (Decodes(Other(road), dpt, groupValue)) return TakeRoad(Other(road)) + ", which reads them";
+std::string DecodeAdvice(const Dpt& dpt, const GroupValue& groupValue, Converter converter) {
+  if (Decodes(Other(converter), dpt, groupValue)) return TakeConverter(Other(converter)) + ", which reads them";
   const boost::optional<unsigned> bits = Tal::DescribeExpectedBits(dpt.main);
   if (bits && *bits > 0 && (*bits != groupValue.GetDefinedSize() || 8 * groupValue.GetRawData().size() < *bits)) {
     const auto count = [](unsigned number, const char* what) {
@@ -86,16 +87,16 @@ std::string DecodeAdvice(const Dpt& dpt, const GroupValue& groupValue, Road road
     };
     return FormatDpt(dpt) + " has " + count(*bits, " bit") + " in " + count((*bits + 7) / 8, " octet");
   }
-  if (!IsKnown(dpt)) return NotKnown(dpt, road);
-  return IsReadAsFirst(dpt, groupValue, road) ? "they can be read as " + FormatDpt({dpt.main, 1})
-                                              : "check that the sender uses " + FormatDpt(dpt);
+  if (!IsKnown(dpt)) return NotKnown(dpt, converter);
+  return IsReadAsFirst(dpt, groupValue, converter) ? "they can be read as " + FormatDpt({dpt.main, 1})
+                                                   : "check that the sender uses " + FormatDpt(dpt);
 }
 
 /// True when it is the datapoint type that stands in the way of decoding, not the octets.
-bool IsDptAtFault(const Dpt& dpt, const GroupValue& groupValue, Road road) {
+bool IsDptAtFault(const Dpt& dpt, const GroupValue& groupValue, Converter converter) {
   const auto* const main = FindMainType(dpt);
-  const bool isOfOtherRoad = road == Road::Direct && main != nullptr && !main->isDecoded;
-  return !IsKnown(dpt) || isOfOtherRoad || IsReadAsFirst(dpt, groupValue, road);
+  const bool isOfOtherConverter = converter == Converter::Direct && main != nullptr && !main->isDecoded;
+  return !IsKnown(dpt) || isOfOtherConverter || IsReadAsFirst(dpt, groupValue, converter);
 }
 
 /// The library's reason without what ends its sentence, or else @p silent; then what to do.
@@ -105,16 +106,16 @@ std::string Explain(std::string reason, const std::string& silent, const std::st
 }
 
 /// Why a decoded value has no content, and what to do.
-std::string ExplainNothing(const Dpt& dpt, const GroupValue& groupValue, const AROVALUE& value, Road road) {
+std::string ExplainNothing(const Dpt& dpt, const GroupValue& groupValue, const AROVALUE& value, Converter converter) {
   const bool isLate = dpt.main == 11 || dpt.main == 19;
   if (value.avt == avtEmpty && !isLate) {
-    const bool otherReads = Decodes(Other(road), dpt, groupValue);
-    return MainLabel(dpt) +
-           " is accepted, but not decoded: " + (otherReads ? TakeRoad(Other(road)) : "neither road decodes it");
+    const bool otherReads = Decodes(Other(converter), dpt, groupValue);
+    return MainLabel(dpt) + " is accepted, but not decoded: " +
+           (otherReads ? TakeConverter(Other(converter)) : "neither converter decodes it");
   }
   const char* const reason =
       value.avt == avtEmpty ? "the time is later than 2038-01-19 03:14:07" : "the octets stand for no valid value";
-  return std::string(reason) + ": " + DecodeAdvice(dpt, groupValue, road);
+  return std::string(reason) + ": " + DecodeAdvice(dpt, groupValue, converter);
 }
 
 bool ReadDpt(std::string_view text, Conversion& conversion) {
@@ -150,88 +151,88 @@ bool ReadGroupValue(std::string_view dptText, std::string_view octetsText, boost
 
 }  // namespace
 
-bool CanEncode(const Dpt& dpt, Road road) {
+bool CanEncode(const Dpt& dpt, Converter converter) {
   const ReasonLog::Pause pause;
   for (const unsigned number : {0u, 1u}) {  // one of them, false, an empty text or a plain date is in every range
     AROVALUE probe;
-    probe.avt = ValueTypeOf(dpt, road);
+    probe.avt = ValueTypeOf(dpt, converter);
     probe.time.SetDate(2000, 1, 1);
     probe.SetPayload(number);
-    const auto groupValue = EncodeOn(road, dpt, probe);
+    const auto groupValue = EncodeWith(converter, dpt, probe);
     if (groupValue && !groupValue->GetRawData().empty()) return true;
   }
   return false;
 }
 
-Conversion Encode(std::string_view dptText, std::string_view valueText, Road road, ReasonLog& log) {
+Conversion Encode(std::string_view dptText, std::string_view valueText, Converter converter, ReasonLog& log) {
   Conversion conversion;
   conversion.text = valueText;
   if (!ReadDpt(dptText, conversion)) return conversion;
   const Dpt dpt = *conversion.dpt;
-  const AroValueType type = ValueTypeOf(dpt, road);
+  const AroValueType type = ValueTypeOf(dpt, converter);
   if (type != avtString) valueText = valueText.substr(0, valueText.find_last_not_of(" \t") + 1);
   if (type != avtString && valueText.empty()) {
-    conversion.error = "the value is missing: " + EncodeAdvice(dpt, road);
-    conversion.isDptWrong = !CanEncode(dpt, road);
+    conversion.error = "the value is missing: " + EncodeAdvice(dpt, converter);
+    conversion.isDptWrong = !CanEncode(dpt, converter);
     return conversion;
   }
   AROVALUE value;
   const std::string plain = type == avtString ? Unescaped(valueText) : std::string(valueText);
   if (!ParseValue(plain, dpt, type, value)) {
-    conversion.error = Quoted(valueText) + " is no value of " + FormatDpt(dpt) + ": " + EncodeAdvice(dpt, road);
+    conversion.error = Quoted(valueText) + " is no value of " + FormatDpt(dpt) + ": " + EncodeAdvice(dpt, converter);
     conversion.fault = FaultIn(valueText, dpt, type);
     return conversion;
   }
   conversion.value = value;
   const auto explain = [&](const std::string& reason) {
-    return Explain(reason, Quoted(valueText) + " cannot be sent as " + FormatDpt(dpt), EncodeAdvice(dpt, road));
+    return Explain(reason, Quoted(valueText) + " cannot be sent as " + FormatDpt(dpt), EncodeAdvice(dpt, converter));
   };
   log.Clear();
   try {
-    conversion.groupValue = EncodeOn(road, dpt, value);
+    conversion.groupValue = EncodeWith(converter, dpt, value);
     if (conversion.groupValue && conversion.groupValue->GetRawData().empty()) {
       conversion.groupValue = boost::none;
       conversion.error =
-          Explain("", FormatDpt(dpt) + " is taken for valid, but no octets are written", EncodeAdvice(dpt, road));
+          Explain("", FormatDpt(dpt) + " is taken for valid, but no octets are written", EncodeAdvice(dpt, converter));
     } else if (!conversion.groupValue) {
       conversion.error = explain(log.FirstReason());
     }
   } catch (const std::exception& exception) {  // the calendar's range errors
     conversion.error = explain(exception.what());
   }
-  conversion.isDptWrong = !conversion.error.empty() && !CanEncode(dpt, road);
+  conversion.isDptWrong = !conversion.error.empty() && !CanEncode(dpt, converter);
   return conversion;
 }
 
-Conversion Decode(std::string_view dptText, std::string_view octets, boost::optional<unsigned> bits, Road road,
-                  ReasonLog& log) {
+Conversion Decode(std::string_view dptText, std::string_view octets, boost::optional<unsigned> bits,
+                  Converter converter, ReasonLog& log) {
   Conversion conversion;
   if (!ReadGroupValue(dptText, octets, bits, conversion)) return conversion;
-  Conversion decoded = Decode(*conversion.dpt, *conversion.groupValue, road, log);
+  Conversion decoded = Decode(*conversion.dpt, *conversion.groupValue, converter, log);
   decoded.text = std::move(conversion.text);
   return decoded;
 }
 
-Conversion Decode(const Dpt& given, const GroupValue& groupValue, Road road, ReasonLog& log) {
+Conversion Decode(const Dpt& given, const GroupValue& groupValue, Converter converter, ReasonLog& log) {
   Conversion conversion;
   Dpt dpt = given;
   conversion.groupValue = groupValue;
   conversion.dpt = dpt;
   const auto explain = [&](const std::string& reason) {
-    return Explain(reason, "the octets are refused for " + FormatDpt(dpt), DecodeAdvice(dpt, groupValue, road));
+    return Explain(reason, "the octets are refused for " + FormatDpt(dpt), DecodeAdvice(dpt, groupValue, converter));
   };
   log.Clear();
   try {
-    conversion.value = DecodeOn(road, dpt, groupValue);
+    conversion.value = DecodeWith(converter, dpt, groupValue);
     conversion.dpt = dpt;
     if (conversion.value && HasContent(*conversion.value)) return conversion;
     conversion.error =
-        conversion.value ? ExplainNothing(dpt, groupValue, *conversion.value, road) : explain(log.FirstReason());
+        conversion.value ? ExplainNothing(dpt, groupValue, *conversion.value, converter) : explain(log.FirstReason());
   } catch (const std::exception& exception) {  // the calendar's range errors
     conversion.error = explain(exception.what());
   }
   conversion.value = boost::none;
-  conversion.isDptWrong = IsDptAtFault(dpt, groupValue, road);
+  conversion.isDptWrong = IsDptAtFault(dpt, groupValue, converter);
   return conversion;
 }
 
@@ -239,14 +240,14 @@ Conversion Check(std::string_view dptText, std::string_view octets, boost::optio
   Conversion conversion;
   if (!ReadGroupValue(dptText, octets, bits, conversion)) return conversion;
   KNXDPT bySize = ToKnxDpt({}, conversion.groupValue->GetDefinedSize());
-  if (conversion.dpt->main == 0 && MapConverter().GetDefaultMappingDptForSize(bySize)) {
+  if (conversion.dpt->main == 0 && TableConverter().GetDefaultMappingDptForSize(bySize)) {
     conversion.dpt = Dpt{bySize.main, bySize.sub};
   }
   log.Clear();
   if (!Tal::CheckGroupValue(*conversion.groupValue, conversion.dpt->Number())) {
     conversion.error = Explain(log.FirstReason(), "the octets are refused for " + FormatDpt(*conversion.dpt),
-                               DecodeAdvice(*conversion.dpt, *conversion.groupValue, Road::Map));
-    conversion.isDptWrong = IsDptAtFault(*conversion.dpt, *conversion.groupValue, Road::Map);
+                               DecodeAdvice(*conversion.dpt, *conversion.groupValue, Converter::Table));
+    conversion.isDptWrong = IsDptAtFault(*conversion.dpt, *conversion.groupValue, Converter::Table);
   }
   return conversion;
 }

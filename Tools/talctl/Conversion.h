@@ -8,15 +8,15 @@
 #include <string>
 #include <string_view>
 
-#include <Notation/DptText.h>
-#include <Notation/Octets.h>
-#include <Notation/Road.h>
-#include <Notation/ValueText.h>
+#include <Format/Converter.h>
+#include <Format/DptText.h>
+#include <Format/Octets.h>
+#include <Format/ValueText.h>
 #include "ReasonLog.h"
 
 namespace Talctl {
 
-using namespace Notation;
+using namespace Format;
 
 /// What came of a conversion: a value and its group value, or an error and as much as could be read of the rest.
 struct Conversion {
@@ -30,20 +30,20 @@ struct Conversion {
 };
 
 /// Encodes a value given as text. Blanks at the end count only in a text value, which alone may be empty.
-Conversion Encode(std::string_view dpt, std::string_view value, Road road, ReasonLog& log);
+Conversion Encode(std::string_view dpt, std::string_view value, Converter converter, ReasonLog& log);
 
 /// Decodes octets given as hex: "0C1A", "0c 1a" or "0x0C1A".
 /// @param bits  the defined size; nothing: 8 bits an octet, or the bus's short form for one octet of a short type.
-Conversion Decode(std::string_view dpt, std::string_view octets, boost::optional<unsigned> bits, Road road,
+Conversion Decode(std::string_view dpt, std::string_view octets, boost::optional<unsigned> bits, Converter converter,
                   ReasonLog& log);
 
 /// Decodes a group value that is at hand. A result without a value is an error that says so.
-Conversion Decode(const Dpt& given, const KnxStack::GroupValue& groupValue, Road road, ReasonLog& log);
+Conversion Decode(const Dpt& given, const KnxStack::GroupValue& groupValue, Converter converter, ReasonLog& log);
 
 /// Asks CheckGroupValue(). The result has no value.
 Conversion Check(std::string_view dpt, std::string_view octets, boost::optional<unsigned> bits, ReasonLog& log);
 
-/// True when the road encodes values of this datapoint type at all.
-bool CanEncode(const Dpt& dpt, Road road);
+/// True when the converter encodes values of this datapoint type at all.
+bool CanEncode(const Dpt& dpt, Converter converter);
 
 }  // namespace Talctl

@@ -1,8 +1,8 @@
-#include <Notation/Cursor.h>
-#include <Notation/Quoted.h>
+#include <Format/Cursor.h>
+#include <Format/Quoted.h>
 
 #include "Commands.h"
-#include "RoadOption.h"
+#include "ConverterOption.h"
 
 namespace Talctl {
 namespace {
@@ -48,16 +48,16 @@ CLI::App* DecodeCommand::AddTo(CLI::App& app) {
           std::string("Prints the value that OCTETS stand for as datapoint type DPT, in the form that `encode` takes; "
                       "control\ncharacters of a text as escapes. ") +
               kOctets);
-  AddRoadOption(*command, m_road);
+  AddConverterOption(*command, m_converter);
   AddBitsOption(*command, m_bits);
   command->footer(
-      "Examples:\n  talctl decode 9.001 0C1A               21\n  talctl decode 6.001 FF --road map      -1\n"
+      "Examples:\n  talctl decode 9.001 0C1A               21\n  talctl decode 6.001 FF --converter table      -1\n"
       "  talctl decode 1.001 01 --bits 6        true\n  printf '9.001 0C1A\\n5.010 FF\\n' | talctl decode --json");
   return command;
 }
 
 Conversion DecodeCommand::Convert(std::string_view dpt, std::string_view rest, ReasonLog& log) const {
-  return Decode(dpt, rest, ReadBits(m_bits), m_road, log);
+  return Decode(dpt, rest, ReadBits(m_bits), m_converter, log);
 }
 
 std::string DecodeCommand::Text(const Conversion& conversion) const { return FormatOneLine(*conversion.value); }

@@ -18,7 +18,8 @@ struct SampleRow {
   std::string what;
   std::string dpt;
   std::string value;
-  std::array<std::string, 4> expected;  ///< octets and way back, and the same through the map, as Journey shows them
+  std::array<std::string, 4>
+      expected;  ///< octets and way back, and the same through the table converter, as Journey shows them
 };
 
 std::vector<SampleRow> ReadSample() {
@@ -42,7 +43,7 @@ constexpr char kSame[] = "=";
 constexpr char kNotSent[] = "refused";
 constexpr char kNone[] = "-";
 
-/// What became of a value on one road.
+/// What became of a value on one converter.
 struct Journey {
   std::string octets = kNotSent;
   std::string back = kNone;  ///< "=" when the value came back, else what came back instead
@@ -59,15 +60,15 @@ std::string WhyOther(const Dpt& dpt) {
   }
 }
 
-Journey Travel(const SampleRow& row, Road road, ReasonLog& log) {
+Journey Travel(const SampleRow& row, Converter converter, ReasonLog& log) {
   Journey journey;
-  const Conversion sent = Encode(row.dpt, row.value, road, log);
+  const Conversion sent = Encode(row.dpt, row.value, converter, log);
   if (!sent.groupValue) {
     journey.why = sent.error;
     return journey;
   }
   journey.octets = Hex(sent.groupValue->GetRawData());
-  const Conversion received = Decode(*sent.dpt, *sent.groupValue, road, log);
+  const Conversion received = Decode(*sent.dpt, *sent.groupValue, converter, log);
   if (!received.value) {
     journey.back = kNotSent;
     journey.why = received.error;
@@ -87,36 +88,36 @@ class Summary {
  public:
   void Count(const Journey& direct, const Journey& map, bool isExpected) {
     ++m_values;
-    CountRoad(direct, m_direct);
-    CountRoad(map, m_map);
+    CountConverter(direct, m_direct);
+    CountConverter(map, m_map);
     if (!isExpected) ++m_different;
   }
   bool AllExpected() const { return m_different == 0; }
   void Print(std::ostream& out, const Paint& paint) const {
     out << m_values << " values\n";
-    PrintRoad(out, "direct road: ", m_direct);
-    PrintRoad(out, "map road:    ", m_map);
+    PrintConverter(out, "direct converter: ", m_direct);
+    PrintConverter(out, "table converter:    ", m_map);
     out << paint(AllExpected() ? Colour::Good : Colour::Bad, VerdictOn(m_different)) << '\n';
   }
 
  private:
-  struct RoadCount {
+  struct ConverterCount {
     unsigned back = 0;
     unsigned other = 0;
     unsigned refused = 0;
   };
-  static void CountRoad(const Journey& journey, RoadCount& count) {
+  static void CountConverter(const Journey& journey, ConverterCount& count) {
     ++(journey.octets == kNotSent ? count.refused : journey.back == kSame ? count.back : count.other);
   }
-  static void PrintRoad(std::ostream& out, const char* road, const RoadCount& count) {
-    out << road << count.back << " came back, " << count.other << " came back other or not at all, " << count.refused
-        << " refused\n";
+  static void PrintConverter(std::ostream& out, const char* converter, const ConverterCount& count) {
+    out << converter << count.back << " came back, " << count.other << " came back other or not at all, "
+        << count.refused << " refused\n";
   }
 
   unsigned m_values = 0;
   unsigned m_different = 0;
-  RoadCount m_direct;
-  RoadCount m_map;
+  ConverterCount m_direct;
+  ConverterCount m_map;
 };
 
 std::string Notes(const Journey& direct, const Journey& map) {
@@ -132,7 +133,8 @@ CLI::App* DemoCommand::AddTo(CLI::App& app) {
   CLI::App* const command = app.add_subcommand("demo", "A day of a house, from values to octets and back");
   SetHelp(
       *command, {""},
-      "Sends the values that a sample house sees in a day through both roads to octets and back, and prints them as a\n"
+      "Sends the values that a sample house sees in a day through both converters to octets and back, and prints them "
+      "as a\n"
       "table: `=` for the same again, else what came of it, and why. Some values are wrong on purpose. Exit status 1\n"
       "when a row comes out other than it must.");
   command->add_flag("--lines", m_lines, "Print the values as lines for `talctl encode` instead");
@@ -153,8 +155,8 @@ ExitStatus DemoCommand::Run(const Invocation& invocation) {
   Table table({"TIME", "WHAT", "DPT", "VALUE", "OCTETS", "BACK", "MAP", "BACK", "NOTES"});
   Summary summary;
   for (const SampleRow& row : rows) {
-    const Journey direct = Travel(row, Road::Direct, log);
-    Journey map = Travel(row, Road::Map, log);
+    const Journey direct = Travel(row, Converter::Direct, log);
+    Journey map = Travel(row, Converter::Table, log);
     if (map.octets == direct.octets && map.octets != kNotSent) map.octets = kSame;
     const std::array<std::string, 4> came = {direct.octets, direct.back, map.octets, map.back};
     const bool isExpected = came == row.expected;

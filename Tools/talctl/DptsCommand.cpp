@@ -5,11 +5,11 @@
 #include <functional>
 #include <ostream>
 
-#include <Notation/ValueText.h>
+#include <Format/ValueText.h>
 #include "Commands.h"
+#include "ConverterOption.h"
 #include "ReasonLog.h"
 #include "Reference.h"
-#include "RoadOption.h"
 #include "Suggestion.h"
 #include "Table.h"
 
@@ -32,10 +32,10 @@ struct Row {  // NOLINT(bugprone-exception-escape): what it sees is in the JSON 
   Json json;
 };
 
-const std::vector<std::string>& Heading(Road road) {
+const std::vector<std::string>& Heading(Converter converter) {
   static const std::vector<std::string> direct = {"DPT", "TYPE", "SUB TYPE", "BITS", "DEFAULT", "MEANING", "VALUES"};
   static const std::vector<std::string> map = {"DPT", "TYPE", "SUB TYPE", "BITS", "CODEC", "MEANING", "RANGE"};
-  return road == Road::Direct ? direct : map;
+  return converter == Converter::Direct ? direct : map;
 }
 
 Row Describe(const Tal::MainTypeDescription& main) {
@@ -55,7 +55,7 @@ Row Describe(const Tal::MainTypeDescription& main) {
                main.isEncoded ? std::to_string(bits) : "-",
                text.empty() ? "-" : text,
                InWords(main.meaning),
-               main.isEncoded   ? Expectation(dpt, Road::Direct)
+               main.isEncoded   ? Expectation(dpt, Converter::Direct)
                : main.isDecoded ? "received only"
                                 : "neither encoded nor decoded"};
   row.json["main"] = main.main;
@@ -94,10 +94,10 @@ Row Describe(const Tal::DptDescription& entry) {
   return row;
 }
 
-/// The rows of a road that are asked for by @p dpt; none asked for: all.
-std::vector<Row> Select(Road road, const Dpt* dpt) {
+/// The rows of a converter that are asked for by @p dpt; none asked for: all.
+std::vector<Row> Select(Converter converter, const Dpt* dpt) {
   std::vector<Row> rows;
-  if (road == Road::Direct) {
+  if (converter == Converter::Direct) {
     for (const auto& main : MainTypes()) {
       if (dpt == nullptr || main.main == dpt->main) rows.push_back(Describe(main));
     }
@@ -118,14 +118,16 @@ CLI::App* DptsCommand::AddTo(CLI::App& app) {
   SetHelp(
       *command, {"[DPT...]", "--html FILE", "--markdown FILE"},
       "Lists datapoint types with the type and sub type of their values and the bits of their group values. On the\n"
-      "direct road by main type, with the default value and what `encode` takes; on the map road the rows of the\n"
-      "table, with codec and range. With DPT only those. As a page: everything of both roads, to look things up in.");
-  AddRoadOption(*command, m_road);
+      "direct converter by main type, with the default value and what `encode` takes; on the table converter the rows "
+      "of the\n"
+      "table, with codec and range. With DPT only those. As a page: everything of both converters, to look things up "
+      "in.");
+  AddConverterOption(*command, m_converter);
   command->add_option("--html", m_html, "Write one page with a search and pictures of the layouts (-: to the output)")
       ->type_name("FILE");
   command->add_option("--markdown", m_markdown, "Write the table as Markdown (-: to the output)")->type_name("FILE");
   command->footer(
-      "Examples:\n  talctl dpts\n  talctl dpts 9.001 232\n  talctl dpts --road map 9\n  talctl dpts --json\n"
+      "Examples:\n  talctl dpts\n  talctl dpts 9.001 232\n  talctl dpts --converter table 9\n  talctl dpts --json\n"
       "  talctl dpts --html datapoints.html");
   return command;
 }
@@ -140,7 +142,7 @@ ExitStatus DptsCommand::Run(const Invocation& invocation) {
                   : WritePage(invocation, *m_markdown, DatapointsInMarkdown());
   }
   std::vector<Row> wanted;
-  if (operands.empty()) wanted = Select(m_road, nullptr);
+  if (operands.empty()) wanted = Select(m_converter, nullptr);
   ExitStatus status = kDone;
   for (std::size_t i = 0; i < operands.size(); ++i) {
     Dpt dpt;
@@ -150,10 +152,10 @@ ExitStatus DptsCommand::Run(const Invocation& invocation) {
     if (!ParseDpt(operands[i], dpt, error, &fault)) {
       error += DidYouMeanDpt(operands[i]);
     } else {
-      rows = Select(m_road, &dpt);
+      rows = Select(m_converter, &dpt);
       if (rows.empty())
-        error = FormatDpt(dpt) + " is not known on this road; `talctl dpts --road " + NameOf(m_road) +
-                "` lists what is" + DidYouMeanDpt(dpt, m_road);
+        error = FormatDpt(dpt) + " is not known on this converter; `talctl dpts --converter " + NameOf(m_converter) +
+                "` lists what is" + DidYouMeanDpt(dpt, m_converter);
     }
     if (rows.empty()) status = Refuse(invocation, error, AtOperand(i, fault));
     wanted.insert(wanted.end(), rows.begin(), rows.end());
@@ -161,7 +163,7 @@ ExitStatus DptsCommand::Run(const Invocation& invocation) {
   if (options.json) {
     for (const Row& row : wanted) streams.out << Line(row.json);
   } else if (!wanted.empty()) {
-    Table table(Heading(m_road));
+    Table table(Heading(m_converter));
     for (const Row& row : wanted) table.Add(row.cells);
     table.Print(streams.out, options.out);
   }

@@ -1,5 +1,5 @@
 #include "Commands.h"
-#include "RoadOption.h"
+#include "ConverterOption.h"
 
 namespace Talctl {
 namespace {
@@ -17,7 +17,7 @@ Examples:
   talctl encode 9.001 21            0C1A
   talctl encode 10.001 Sun 23:59:59
   talctl encode 16.000 -- --text
-  talctl encode 9.001 -300 --road map   # refused: 9.001 starts at -273 there
+  talctl encode 9.001 -300 --converter table   # refused: 9.001 starts at -273 there
   printf '9.001 21\n1.001 on\n' | talctl encode --json)";
 
 }  // namespace
@@ -30,13 +30,13 @@ CLI::App* EncodeCommand::AddTo(CLI::App& app) {
           "octet as one octet. Without operands, answers lines `DPT VALUE` from standard input one by one; blank lines "
           "and\n"
           "# comments are skipped, and a refused line is answered with `error: `, its place and the reason.");
-  AddRoadOption(*command, m_road);
+  AddConverterOption(*command, m_converter);
   command->footer(kExamples);
   return command;
 }
 
 Conversion EncodeCommand::Convert(std::string_view dpt, std::string_view rest, ReasonLog& log) const {
-  return Encode(dpt, rest, m_road, log);
+  return Encode(dpt, rest, m_converter, log);
 }
 
 std::string EncodeCommand::Text(const Conversion& conversion) const { return Hex(conversion.groupValue->GetRawData()); }

@@ -1,8 +1,8 @@
 #include "House.h"
 
-#include <Notation/Cursor.h>
-#include <Notation/Quoted.h>
-#include <Notation/Road.h>
+#include <Format/Converter.h>
+#include <Format/Cursor.h>
+#include <Format/Quoted.h>
 #include <Samples.h>
 
 #include <algorithm>
@@ -65,7 +65,7 @@ DeviceStack::Installation InstallationOf(const HouseOptions& options) {
                               : DeviceStack::ParseInstallation(kHouse, "the sample house");
 }
 
-House::House(const HouseOptions& options, DeviceStack::KnxBus& bus)
+House::House(const HouseOptions& options, Knx::Bus& bus)
     : m_timeout(ReadTimeout(options.timeout)),
       m_retries(options.retries),
       m_installation(InstallationOf(options)),
@@ -134,13 +134,14 @@ AROVALUE House::Get(const HouseObject& object) {
 
 AROVALUE House::Set(const HouseObject& object, const std::string& text) {
   const Dpt dpt = object.dpt.value_or(Dpt());
-  const AroValueType type = object.dpt ? ValueTypeOf(dpt, Road::Direct) : static_cast<AroValueType>(Get(object).avt);
+  const AroValueType type =
+      object.dpt ? ValueTypeOf(dpt, Converter::Direct) : static_cast<AroValueType>(Get(object).avt);
   AROVALUE value;
   if (!ParseValue(type == avtString ? Unescaped(text) : text, dpt, type, value)) {
     const std::string what = object.dpt ? FormatDpt(dpt) : AROVALUE::GetNameFromValueType(type);
-    throw Refusal(
-        Quoted(text) + " is no value of " + what + (object.dpt ? ": expected " + Expectation(dpt, Road::Direct) : ""),
-        AtOperand(1, FaultIn(text, dpt, type)));
+    throw Refusal(Quoted(text) + " is no value of " + what +
+                      (object.dpt ? ": expected " + Expectation(dpt, Converter::Direct) : ""),
+                  AtOperand(1, FaultIn(text, dpt, type)));
   }
   const Tal::Docket docket = m_messenger.SetValue(object.id, value, false);
   if (docket.IsAnswered() && !docket.IsReplyValid()) throw Refusal(docket.ReadDeliveryError(), AtOperand(1));

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <DeviceStack/EmbeddedDeviceStack.h>
-#include <DeviceStack/LoopbackBus.h>
+#include <Knx/LoopbackBus.h>
 #include <Tal/DscAsyncRequestMessenger.h>
 
 #include <optional>
@@ -50,7 +50,7 @@ class House {
  public:
   /// @param bus  must outlive the house.
   /// @throws WrongUse or DeviceStack::InstallationError for options that are wrong.
-  House(const HouseOptions& options, DeviceStack::KnxBus& bus);
+  House(const HouseOptions& options, Knx::Bus& bus);
   ~House();
   House(const House&) = delete;
   House& operator=(const House&) = delete;

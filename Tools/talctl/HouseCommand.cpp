@@ -13,7 +13,7 @@ ExitStatus HouseCommand::Run(const Invocation& invocation) {
   CheckOperands(invocation.operands);
   const ReasonLog log(invocation.options.logLevel, invocation.streams.err);
   return Answering(invocation, [&] {
-    DeviceStack::LoopbackBus bus;
+    Knx::LoopbackBus bus;
     House house(m_house, bus);
     house.Register("talctl", TALCTL_VERSION, "");
     RunIn(house, invocation);

@@ -4,10 +4,10 @@
 #include <iomanip>
 #include <ostream>
 
-#include <Notation/Cursor.h>
-#include <Notation/ObjectId.h>
-#include <Notation/Quoted.h>
-#include <Notation/ValueText.h>
+#include <Format/Cursor.h>
+#include <Format/ObjectId.h>
+#include <Format/Quoted.h>
+#include <Format/ValueText.h>
 #include "Choice.h"
 #include "Commands.h"
 #include "Reference.h"

@@ -1,6 +1,6 @@
-#include <DeviceStack/LogBus.h>
-#include <DeviceStack/TelegramLog.h>
-#include <Notation/Octets.h>
+#include <Format/Octets.h>
+#include <Knx/LogBus.h>
+#include <Knx/TelegramLog.h>
 #include <Samples.h>
 
 #include <atomic>
@@ -17,8 +17,8 @@ namespace {
 
 using DeviceStack::BusEvent;
 using DeviceStack::Fault;
-using DeviceStack::LogBus;
 using DeviceStack::Operation;
+using Knx::LogBus;
 
 /// What the application sets, and what must come of it.
 struct SetRow {
@@ -193,7 +193,7 @@ ExitStatus JourneyCommand::Run(const Invocation& invocation) {
   const ReasonLog log(invocation.options.logLevel, invocation.streams.err);
   return Answering(invocation, [&] {
     std::istringstream sample(kHouseLog);
-    LogBus bus(DeviceStack::ReadTelegramLog(sample, "the sample log"), LogBus::Speed::Full, nullptr);
+    LogBus bus(Knx::ReadTelegramLog(sample, "the sample log"), LogBus::Speed::Full, nullptr);
     HouseOptions options;
     options.retries = kRetries;
     House house(options, bus);

@@ -1,7 +1,7 @@
 // Commands that answer one conversion from operands, or line by line from standard input.
 #pragma once
 
-#include <Notation/JsonLine.h>
+#include <Format/JsonLine.h>
 
 #include "Command.h"
 #include "Conversion.h"

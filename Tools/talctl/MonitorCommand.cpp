@@ -1,6 +1,6 @@
-#include <DeviceStack/LogBus.h>
-#include <DeviceStack/TelegramLog.h>
-#include <Notation/Quoted.h>
+#include <Format/Quoted.h>
+#include <Knx/LogBus.h>
+#include <Knx/TelegramLog.h>
 #include <Samples.h>
 
 #include <atomic>
@@ -18,15 +18,15 @@
 namespace Talctl {
 namespace {
 
-using DeviceStack::LogBus;
-using DeviceStack::Telegram;
+using Knx::LogBus;
+using Knx::Telegram;
 
 std::vector<Telegram> ReadLog(const std::string& path) {
   std::ifstream file(path);
   if (!file) throw Refusal(OneLine(path) + ": cannot be read");
   try {
-    return DeviceStack::ReadTelegramLog(file, path);
-  } catch (const DeviceStack::TelegramLogError& error) {
+    return Knx::ReadTelegramLog(file, path);
+  } catch (const Knx::TelegramLogError& error) {
     throw Refusal(error.what());
   }
 }
@@ -80,7 +80,7 @@ ExitStatus MonitorCommand::Run(const Invocation& invocation) {
       telegrams = ReadLog(*m_log);
     } else if (!m_house.installation) {
       std::istringstream sample(kHouseLog);
-      telegrams = DeviceStack::ReadTelegramLog(sample, "the sample log");
+      telegrams = Knx::ReadTelegramLog(sample, "the sample log");
     }
     const bool waits = m_wait || (!m_log && m_house.installation);
     std::ofstream record;

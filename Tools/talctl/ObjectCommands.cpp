@@ -1,5 +1,5 @@
-#include <DeviceStack/TelegramLog.h>
-#include <Notation/Quoted.h>
+#include <Format/Quoted.h>
+#include <Knx/TelegramLog.h>
 
 #include <boost/algorithm/string/join.hpp>
 #include <ostream>
@@ -62,7 +62,7 @@ void SetCommand::RunIn(House& house, const Invocation& invocation) const {
   const auto& operands = invocation.operands;
   const std::string text = boost::algorithm::join(std::vector<std::string>(operands.begin() + 1, operands.end()), " ");
   const HouseObject object = house.Find(operands[0]);
-  boost::optional<DeviceStack::Telegram> telegram;  // told before the answer comes
+  boost::optional<Knx::Telegram> telegram;  // told before the answer comes
   {
     const BusWatch watch(house, [&](const BusEvent& event) {
       if (event.kind == BusEvent::Kind::Sent && !telegram) telegram = event.telegram;

@@ -7,12 +7,12 @@
 #include <algorithm>
 #include <ostream>
 
-#include <Notation/Quoted.h>
+#include <Format/Quoted.h>
 
 namespace Talctl {
 namespace {
 
-using Notation::OneLine;
+using Format::OneLine;
 
 bool IsReason(const log4cplus::spi::InternalLoggingEvent& event, const std::string& message) {
   const bool level =

@@ -1,7 +1,7 @@
 #include "Suggestion.h"
 
-#include <Notation/Cursor.h>
-#include <Notation/Quoted.h>
+#include <Format/Cursor.h>
+#include <Format/Quoted.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -11,8 +11,8 @@
 namespace Talctl {
 namespace {
 
-using Notation::Dpt;
-using Notation::Road;
+using Format::Converter;
+using Format::Dpt;
 
 /// The characters of @p text, capitals of ASCII and Latin-1 as small letters.
 std::u32string Folded(std::string_view text) {
@@ -29,15 +29,15 @@ std::size_t BoundFor(std::size_t characters) {
   return characters == 0 ? 0 : std::min(std::max<std::size_t>(characters / 3, 1), characters - 1);
 }
 
-bool IsKnown(const Dpt& dpt, Road road) {
-  if (road == Road::Map) return FindDptRow(dpt) != nullptr;
+bool IsKnown(const Dpt& dpt, Converter converter) {
+  if (converter == Converter::Table) return FindDptRow(dpt) != nullptr;
   const auto* const row = FindMainType(dpt);
   return row != nullptr && (row->isEncoded || row->isDecoded);
 }
 
 std::string MainText(unsigned main) { return std::to_string(main); }
 
-std::string Suggested(const std::string& text) { return "; did you mean " + Notation::Quoted(text) + "?"; }
+std::string Suggested(const std::string& text) { return "; did you mean " + Format::Quoted(text) + "?"; }
 
 }  // namespace
 
@@ -89,7 +89,7 @@ std::string DidYouMeanDpt(std::string_view typed) {
     const char* typed;
     char meant;
   } kSlips[] = {{",:;-_/", '.'}, {"oO", '0'}, {"lI|", '1'}};
-  Notation::Cursor cursor(typed.substr(0, 20));
+  Format::Cursor cursor(typed.substr(0, 20));
   if (!cursor.Word("DPST")) cursor.Word("DPT");
   std::string meant;
   unsigned dropped = 0;
@@ -98,27 +98,27 @@ std::string DidYouMeanDpt(std::string_view typed) {
       return std::string_view(row.typed).find(c) != std::string_view::npos;
     });
     const char mended = slip == std::end(kSlips) ? c : slip->meant;
-    const bool isWanted =
-        Notation::IsDigit(mended) || (mended == '.' && !meant.empty() && meant.find('.') == meant.npos);
+    const bool isWanted = Format::IsDigit(mended) || (mended == '.' && !meant.empty() && meant.find('.') == meant.npos);
     if (isWanted) meant += mended;
     if (!isWanted && mended != '.') ++dropped;
   }
   Dpt dpt;
   std::string error;
-  if (dropped > 1 || !ParseDpt(meant, dpt, error) || !(IsKnown(dpt, Road::Direct) || IsKnown(dpt, Road::Map)))
+  if (dropped > 1 || !ParseDpt(meant, dpt, error) ||
+      !(IsKnown(dpt, Converter::Direct) || IsKnown(dpt, Converter::Table)))
     return "";
   return Suggested(dpt.sub == 0 ? MainText(dpt.main) : FormatDpt(dpt));
 }
 
-std::string DidYouMeanDpt(const Dpt& dpt, Road road) {
+std::string DidYouMeanDpt(const Dpt& dpt, Converter converter) {
   constexpr unsigned kManyMains = 100;  // below, most numbers are one digit from many others
   const auto apart = [](unsigned a, unsigned b) { return a > b ? a - b : b - a; };
   const Dpt* nearest = nullptr;
   std::vector<Dpt> known;
-  if (road == Road::Map) {
-    for (const auto& row : Notation::DptTable()) known.push_back({row.dpt.main, row.dpt.sub});
+  if (converter == Converter::Table) {
+    for (const auto& row : Format::DptTable()) known.push_back({row.dpt.main, row.dpt.sub});
   } else {
-    for (const auto& row : Notation::MainTypes()) {
+    for (const auto& row : Format::MainTypes()) {
       if (row.isEncoded || row.isDecoded) known.push_back({static_cast<std::uint16_t>(row.main), dpt.sub});
     }
   }
@@ -132,14 +132,14 @@ std::string DidYouMeanDpt(const Dpt& dpt, Road road) {
   return Suggested(nearest->sub == 0 ? MainText(nearest->main) : FormatDpt(*nearest));
 }
 
-std::vector<std::string> KnownDpts(Road road) {
+std::vector<std::string> KnownDpts(Converter converter) {
   std::vector<std::string> known;
-  for (const auto& row : Notation::MainTypes()) {
-    if (road == Road::Direct && (row.isEncoded || row.isDecoded)) known.push_back(MainText(row.main) + ".x");
+  for (const auto& row : Format::MainTypes()) {
+    if (converter == Converter::Direct && (row.isEncoded || row.isDecoded)) known.push_back(MainText(row.main) + ".x");
   }
-  for (const auto& row : Notation::DptTable()) {
+  for (const auto& row : Format::DptTable()) {
     const Dpt dpt{row.dpt.main, row.dpt.sub};
-    if (road == Road::Direct && (dpt.sub == 0 || !IsKnown(dpt, road))) continue;
+    if (converter == Converter::Direct && (dpt.sub == 0 || !IsKnown(dpt, converter))) continue;
     known.push_back(dpt.sub == 0 ? MainText(dpt.main) + ".x" : FormatDpt(dpt));
   }
   return known;

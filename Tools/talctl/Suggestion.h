@@ -1,7 +1,7 @@
 // What somebody may have meant who typed something else.
 #pragma once
 
-#include <Notation/Road.h>
+#include <Format/Converter.h>
 
 #include <string>
 #include <string_view>
@@ -23,11 +23,11 @@ std::string DidYouMean(std::string_view typed, const std::vector<std::string>& c
 /// The same for a text that is not a datapoint type, but nearly.
 std::string DidYouMeanDpt(std::string_view typed);
 
-/// The same for a datapoint type that a road does not know: of its main number the nearest sub number, or the same sub
-/// number of a main number that reads nearly the same.
-std::string DidYouMeanDpt(const Notation::Dpt& dpt, Notation::Road road);
+/// The same for a datapoint type that a converter does not know: of its main number the nearest sub number, or the same
+/// sub number of a main number that reads nearly the same.
+std::string DidYouMeanDpt(const Format::Dpt& dpt, Format::Converter converter);
 
-/// What `dpts` lists of a road: "9.x", "9.001".
-std::vector<std::string> KnownDpts(Notation::Road road);
+/// What `dpts` lists of a converter: "9.x", "9.001".
+std::vector<std::string> KnownDpts(Format::Converter converter);
 
 }  // namespace Talctl

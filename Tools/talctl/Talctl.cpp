@@ -9,7 +9,7 @@
 #include <optional>
 #include <ostream>
 
-#include <Notation/Quoted.h>
+#include <Format/Quoted.h>
 #include "Choice.h"
 #include "Commands.h"
 #include "Completion.h"

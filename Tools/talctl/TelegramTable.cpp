@@ -1,7 +1,7 @@
 #include "TelegramTable.h"
 
-#include <DeviceStack/TelegramLog.h>
-#include <Notation/Octets.h>
+#include <Format/Octets.h>
+#include <Knx/TelegramLog.h>
 
 #include <algorithm>
 #include <ostream>
@@ -15,8 +15,8 @@ using DeviceStack::BusEvent;
 
 std::string ValueCell(const BusEvent& event) {
   switch (event.kind) {
-    case BusEvent::Kind::Received: return Notation::FormatOneLine(*event.value);
-    case BusEvent::Kind::Sent: return Notation::FormatOneLine(*event.value) + "  (sent)";
+    case BusEvent::Kind::Received: return Format::FormatOneLine(*event.value);
+    case BusEvent::Kind::Sent: return Format::FormatOneLine(*event.value) + "  (sent)";
     case BusEvent::Kind::Read: return "(asked for)";
     case BusEvent::Kind::Refused: return "refused: " + event.reason;
     case BusEvent::Kind::Ignored: break;
@@ -35,19 +35,19 @@ const char* NameOf(BusEvent::Kind kind) {
   return "ignored";
 }
 
-std::string OctetsOf(const DeviceStack::Telegram& telegram) {
-  return telegram.value.GetRawData().empty() ? "-" : Notation::Hex(telegram.value.GetRawData());
+std::string OctetsOf(const Knx::Telegram& telegram) {
+  return telegram.value.GetRawData().empty() ? "-" : Format::Hex(telegram.value.GetRawData());
 }
 
 }  // namespace
 
-Notation::Json DescribeTelegram(const DeviceStack::Telegram& telegram) {
-  return {{"time", DeviceStack::FormatTime(telegram.time)},
+Format::Json DescribeTelegram(const Knx::Telegram& telegram) {
+  return {{"time", Knx::FormatTime(telegram.time)},
           {"source", FormatAddress(telegram.source)},
           {"groupAddress", FormatAddress(telegram.destination)},
-          {"service", DeviceStack::NameOf(telegram.service)},
+          {"service", Knx::NameOf(telegram.service)},
           {"bits", telegram.value.GetDefinedSize()},
-          {"octets", Notation::Hex(telegram.value.GetRawData())}};
+          {"octets", Format::Hex(telegram.value.GetRawData())}};
 }
 
 TelegramTable::TelegramTable(const DeviceStack::Installation& installation, bool json, std::ostream& out,
@@ -73,26 +73,25 @@ void TelegramTable::PrintHeading() {
 }
 
 void TelegramTable::Print(const BusEvent& event) {
-  const DeviceStack::Telegram& telegram = event.telegram;
+  const Knx::Telegram& telegram = event.telegram;
   if (!m_json) {
     const bool isRefused = event.kind == BusEvent::Kind::Refused;
-    m_out << Cells(DeviceStack::FormatTime(telegram.time), FormatAddress(telegram.source),
-                   FormatAddress(telegram.destination), DeviceStack::NameOf(telegram.service),
-                   event.object ? event.object->name : "-", event.object ? Notation::FormatDpt(event.object->dpt) : "-",
-                   OctetsOf(telegram))
+    m_out << Cells(Knx::FormatTime(telegram.time), FormatAddress(telegram.source), FormatAddress(telegram.destination),
+                   Knx::NameOf(telegram.service), event.object ? event.object->name : "-",
+                   event.object ? Format::FormatDpt(event.object->dpt) : "-", OctetsOf(telegram))
           << (isRefused ? m_paint(Colour::Bad, ValueCell(event)) : ValueCell(event)) << '\n';
     return;
   }
-  Notation::Json json = DescribeTelegram(telegram);
+  Format::Json json = DescribeTelegram(telegram);
   json["event"] = NameOf(event.kind);
   if (event.object) {
     json["object"] = event.object->name;
     json["id"] = event.object->ValueId();
-    json["dpt"] = Notation::FormatDpt(event.object->dpt);
+    json["dpt"] = Format::FormatDpt(event.object->dpt);
   }
-  if (event.value) json["value"] = Notation::ToJson(*event.value);
+  if (event.value) json["value"] = Format::ToJson(*event.value);
   if (!event.reason.empty()) json["error"] = event.reason;
-  m_out << Notation::Line(json);
+  m_out << Format::Line(json);
 }
 
 }  // namespace Talctl

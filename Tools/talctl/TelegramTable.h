@@ -2,7 +2,7 @@
 #pragma once
 
 #include <DeviceStack/EmbeddedDeviceStack.h>
-#include <Notation/ValueText.h>
+#include <Format/ValueText.h>
 
 #include <iosfwd>
 #include <string>
@@ -31,6 +31,6 @@ class TelegramTable {
 };
 
 /// A telegram as JSON: time, source, groupAddress, service, bits, octets.
-Notation::Json DescribeTelegram(const DeviceStack::Telegram& telegram);
+Format::Json DescribeTelegram(const Knx::Telegram& telegram);
 
 }  // namespace Talctl

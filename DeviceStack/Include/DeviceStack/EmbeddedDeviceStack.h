@@ -2,9 +2,9 @@
 #pragma once
 
 #include <DeviceStack/Installation.h>
-#include <DeviceStack/KnxBus.h>
 #include <DeviceStack/ServiceError.h>
 #include <DeviceStackClient/IDeviceStackClient.h>
+#include <Knx/Bus.h>
 
 #include <chrono>
 #include <functional>
@@ -47,7 +47,7 @@ struct BusEvent {
     Ignored,   ///< for no object: another group, or no flag lets it in
   };
   Kind kind;                                    ///< what it was
-  Telegram telegram;                            ///< as it was on the bus, or was to be
+  Knx::Telegram telegram;                       ///< as it was on the bus, or was to be
   boost::optional<CommunicationObject> object;  ///< whose it is; nothing when it is ignored
   boost::optional<AROVALUE> value;              ///< received or sent
   std::string reason;                           ///< of a refusal
@@ -83,14 +83,14 @@ class EmbeddedDeviceStack final : public Vanta::IDeviceStackClient {
  public:
   /// @param installation  taken as it is; ParseInstallation() checks it.
   /// @param bus           must outlive the service, and be its alone: stop a service before another takes over its bus.
-  EmbeddedDeviceStack(Installation installation, KnxBus& bus);
+  EmbeddedDeviceStack(Installation installation, Knx::Bus& bus);
   /// Stops first. Must not run inside a callback.
   ~EmbeddedDeviceStack() override;
 
   void SetInternalValueFormat(bool enabled) override;
-  /// Changes a communication object, given by its channel or value. PropertyType: Name, DatapointType, GroupAddress and
-  /// InitialValue as in the installation's text; Flags with blanks between them. All or nothing; a refusal leaves one
-  /// ERROR record.
+  /// Changes a communication object, given by its channel or value. PropertyType: Name, DatapointType,
+  /// Knx::GroupAddress and InitialValue as in the installation's text; Flags with blanks between them. All or nothing;
+  /// a refusal leaves one ERROR record.
   bool SetConfiguration(AROOBJECTID id, const std::map<PropertyType, Property>& properties) override;
   /// The installation as text. Always succeeds.
   bool GetDeviceConfig(std::string& config, bool flag) override;

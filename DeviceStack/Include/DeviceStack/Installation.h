@@ -2,9 +2,9 @@
 #pragma once
 
 #include <BasePlatform/AroValue.h>
-#include <DeviceStack/KnxAddress.h>
-#include <Notation/DptText.h>
-#include <Notation/ValueText.h>
+#include <Format/DptText.h>
+#include <Format/ValueText.h>
+#include <Knx/Address.h>
 #include <Tal/KnxZelMapping.h>
 
 #include <boost/optional.hpp>
@@ -28,8 +28,8 @@ struct CommunicationObject {
   int device = 1;                     ///< logical device, 1 or 2
   std::uint16_t number = 1;           ///< 1 to 4095, once in a device
   std::string name;                   ///< not empty, not a number, once in an installation
-  Notation::Dpt dpt;                  ///< one that the direct road encodes or decodes
-  GroupAddress address;               ///< several objects may have the same
+  Format::Dpt dpt;                    ///< one that the direct converter encodes or decodes
+  Knx::GroupAddress address;          ///< several objects may have the same
   Flags flags;                        ///< what it does on the bus
   boost::optional<AROVALUE> initial;  ///< nothing: the object has no value before somebody gives it one
 
@@ -40,7 +40,7 @@ struct CommunicationObject {
 /// A house, or a part of one, behind one device on the bus.
 struct Installation {
   std::string name;                          ///< on one line
-  IndividualAddress address;                 ///< of the device on the bus
+  Knx::IndividualAddress address;            ///< of the device on the bus
   std::vector<CommunicationObject> objects;  ///< in any order
 };
 
@@ -67,8 +67,8 @@ Installation LoadInstallation(const std::string& path);
 /// The text that ParseInstallation() reads back, indented.
 std::string FormatInstallation(const Installation& installation);
 /// The JSON of that text.
-Notation::Json ToJson(const Installation& installation);
+Format::Json ToJson(const Installation& installation);
 /// The JSON of one object in that text.
-Notation::Json ToJson(const CommunicationObject& object);
+Format::Json ToJson(const CommunicationObject& object);
 
 }  // namespace DeviceStack
